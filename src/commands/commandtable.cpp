@@ -1,0 +1,66 @@
+#include "commands/commandtable.h"
+
+#include "commands/families.h"
+#include "script/registry.h"
+
+const std::vector<tcommandfamily>& commandfamilies() {
+  static const std::vector<tcommandfamily> families = {
+      printcommands(),
+  };
+  return families;
+}
+
+void registerallcommands(tscript& s) {
+  for (const tcommandfamily& family : commandfamilies()) {
+    setprefix(s, family.prefix);
+    for (const tcommand& c : family.rows) {
+      switch (c.kind) {
+        case tcommandkind::k0: regproc0(s, c.name, c.handler); break;
+        case tcommandkind::k1: regproc(s, c.name, c.handler); break;
+        case tcommandkind::k2: regfunc(s, c.name, c.handler); break;
+        case tcommandkind::k3: regboth(s, c.name, c.handler, c.function); break;
+        case tcommandkind::k4: regvarfunc(s, c.name, c.handler); break;
+      }
+    }
+  }
+  clearprefix(s);
+}
+
+namespace {
+// The commands that the example macro puts in front of all groups.
+bool isleading(const char* prefix, const char* name) {
+  const std::string full = std::string(prefix) + name;
+  return full == "clean" || full == "new" || full == "dump";
+}
+}  // namespace
+
+std::vector<std::string> examplemacro(const std::string& versiontext) {
+  std::vector<std::string> lines = {
+      "//!./voxmill // Version: " + versiontext,
+      "// This is a list of voxmill commands - you can use this macro like a programing language",
+      "// Each line below shows one command with its parameters; run voxmill -? for the options.",
+      "// voxmill 2017-2025",
+      "io.file.remove \"voxmill.macro\" // remove old command list",
+      "execute ./voxmill // make new command list",
+      "halt // Do not interpret the rest",
+      "// @variable denotes builtin variables.",
+      "// Assignment := are only used if the stack type is the same (image := image.func) or a result (10 := image.func).",
+  };
+  for (const tcommandfamily& family : commandfamilies())
+    for (const tcommand& c : family.rows)
+      if (isleading(family.prefix, c.name) && *c.doc) lines.emplace_back(c.doc);
+  lines.emplace_back("// %(abs & rel): a position along an axis, given absolute or relative");
+  lines.emplace_back("// absolute: -max..-1:inverse 0:center 1..max:normal");
+  lines.emplace_back("// relative: -0.99999..-0.00001:inverse 0:center 0.00001..0.99999:normal");
+  for (const tcommandfamily& family : commandfamilies()) {
+    bool any = false;
+    for (const tcommand& c : family.rows) {
+      if (isleading(family.prefix, c.name) || !*c.doc) continue;
+      lines.emplace_back(c.doc);
+      any = true;
+    }
+    if (any) lines.emplace_back("// ****************************************************************");
+  }
+  lines.emplace_back("// For more line commands, look at Skein2!");
+  return lines;
+}

@@ -1,0 +1,29 @@
+// The one truth about commands: each family's table gives name, kind, handler and the line
+// that documents it in the example macro. Registration and the example macro both read it.
+#pragma once
+#include <span>
+#include <vector>
+
+#include "script/tscript.h"
+
+enum class tcommandkind { k0, k1, k2, k3, k4 };
+
+struct tcommand {
+  const char* name;
+  tcommandkind kind;
+  thandler handler;
+  thandler function;  // the function handler of a K3 name; nullptr otherwise
+  const char* doc;    // the example macro's line: a usage and a comment behind "//"; "" for none
+};
+
+struct tcommandfamily {
+  const char* prefix;  // "" for the builtin libraries, "image." and so on for the fields
+  std::span<const tcommand> rows;
+};
+
+// All families in registration order.
+const std::vector<tcommandfamily>& commandfamilies();
+// Registers every family, each under its prefix, and clears the prefix at the end.
+void registerallcommands(tscript& s);
+// The example macro: header, one line per documented command, group closers.
+std::vector<std::string> examplemacro(const std::string& versiontext);

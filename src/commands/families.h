@@ -1,0 +1,5 @@
+// The command families, one table each, in the order they are registered.
+#pragma once
+#include "commands/commandtable.h"
+
+tcommandfamily printcommands();

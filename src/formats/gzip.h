@@ -1,0 +1,13 @@
+// gzip: recognised by its first two bytes, inflated whole (all members of a file).
+#pragma once
+#include <string>
+#include <string_view>
+
+inline bool isgzip(std::string_view bytes) {
+  return bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0x1F && static_cast<unsigned char>(bytes[1]) == 0x8B;
+}
+
+// False for corrupt or truncated data; out then holds nothing.
+bool gunzip(std::string_view in, std::string& out);
+// Level 1..9; false only when zlib fails.
+bool gzipcompress(std::string_view in, std::string& out, int level = 6);

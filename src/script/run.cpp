@@ -1,0 +1,172 @@
+#include "script/run.h"
+
+#include "script/frame.h"
+#include "script/registry.h"
+#include "script/variables.h"
+#include "shell/console.h"
+
+namespace {
+
+// The one-line forms "then <statement>", "else <statement>" and "of <value> <statement>":
+// a false test still lets a bare halt or break through.
+void onelineform(tframe& frame, utf16& keyword, utf16& rest) {
+  bool runs;
+  utf16 statement = rest;
+  if (equalutf8(keyword, "if.then") || equalutf8(keyword, "then") || equalutf8(keyword, "if.true")) {
+    runs = frame.condition;
+  } else if (equalutf8(keyword, "if.else") || equalutf8(keyword, "else") || equalutf8(keyword, "if.false")) {
+    runs = !frame.condition;
+  } else if (equalutf8(keyword, "of") && poschar(' ', rest) > 0) {
+    runs = equal(cutword(statement, " "), frame.casevalue);
+    statement = trimblanks(statement);
+  } else {
+    return;
+  }
+  if (runs) {
+    keyword = lower(cutword(statement, " "));
+    rest = trimblanks(statement);
+    return;
+  }
+  if (equalutf8(rest, "halt")) keyword = "halt";
+  else if (equalutf8(rest, "break")) keyword = "break";
+  else keyword = utf16();
+  rest = utf16();
+}
+
+bool isassignment(const utf16& rest) {
+  if (length(rest) <= 2) return false;
+  const int64_t blank = poschar(' ', rest);
+  return blank > 1 && charat(rest, blank - 1) == '=';
+}
+
+void callstatement(tscript& s, const utf16& keyword, const utf16& rest) {
+  splitparams(s, rest);
+  if (s.halted) return;
+  utf16 name = keyword;
+  if (!s.withnames.empty()) {
+    utf16 joined;
+    for (const utf16& w : s.withnames) append(joined, w + ".");
+    name = joined + keyword;
+  }
+  callproc(s, s.line, name);
+}
+
+void dispatch(tscript& s, tframe& frame, const utf16& keyword) {
+  if (tkeywordaction action = findkeyword(keyword)) {
+    action(s, frame);
+  } else if (pos("var", keyword) == 1 || pos("local", keyword) == 1 || pos("global", keyword) == 1) {
+    varstatement(s, keyword, frame.rest);
+  } else if (isassignment(frame.rest)) {
+    assignment(s, keyword, frame.rest);
+  } else {
+    callstatement(s, keyword, frame.rest);
+  }
+}
+
+void passover(tscript& s, const utf16& keyword) {
+  if (opensblock(keyword) || isblockmember(s, keyword)) s.line = runblock(s, keyword + ".ignore", false);
+}
+
+}  // namespace
+
+utf16 preparedline(const tscript& s, int64_t n) {
+  utf16 text;
+  getline(s.store, n, text);
+  if (n == 1 && charat(text, 1) == '!') return utf16();
+  text = trimblanks(text);
+  if (pos("//", text) == 1 || charat(text, 1) == '#' || charat(text, 1) == '%') return utf16();
+  const int64_t comment = pos(" //", text);
+  if (comment > 0) text = trimblanks(copy(text, 1, comment - 1));
+  return text;
+}
+
+int64_t run(tscript& s, int64_t line, bool execute) {
+  tframe frame;
+  frame.execute = execute;
+  ++s.level;
+  const int64_t count = linecount(s.store);
+  for (;;) {
+    if (line >= count || s.halted) return line;
+    if (s.linehook) s.linehook(s.store);
+    s.line = ++line;
+    const utf16 text = preparedline(s, line);
+    if (empty(text)) continue;
+    s.target.clear();
+    s.result.clear();
+    utf16 rest = text;
+    utf16 keyword = lower(cutword(rest, " "));
+    rest = trimblanks(rest);
+    if (!empty(rest)) onelineform(frame, keyword, rest);
+    if (empty(keyword)) continue;
+    s.keyword.set(keyword);
+    if (equalutf8(keyword, "halt")) {
+      splitparams(s, rest);
+      halt(s);
+      continue;
+    }
+    if (equalutf8(keyword, "break")) {
+      splitparams(s, rest);
+      breakscript(s);
+      continue;
+    }
+    if (equalutf8(keyword, "end") || equalutf8(keyword, "until")) {
+      const utf16 word = untilfirst(rest, " ");
+      s.result.set(hasvar(s, word) >= 0 ? getvar(s, word) : word);
+      closelevel(s);
+      return line;
+    }
+    if (equalutf8(keyword, "begin")) continue;
+    frame.rest = rest;
+    if (!execute) {
+      passover(s, keyword);
+    } else {
+      dispatch(s, frame, keyword);
+    }
+    line = s.line;
+  }
+}
+
+int64_t runblock(tscript& s, const utf16& stackname, bool execute) {
+  const int64_t from = s.line;
+  s.blocknames.resize(static_cast<size_t>(std::max<int64_t>(s.level, 0)));
+  s.blocknames.push_back(stackname);
+  const int64_t end = run(s, from, execute);
+  s.line = end;
+  return end;
+}
+
+void runscript(tscript& s) {
+  if (linecount(s.store) == 0 || s.members.empty()) return;
+  s.level = 0;
+  s.blocknames.clear();
+  s.prefix.clear();
+  std::erase_if(s.members, [](const tmember& m) { return m.level >= 1; });
+  std::erase_if(s.variables, [](const tvariable& v) { return v.level >= 1; });
+  s.modulestart.clear();
+  s.modulelevel.clear();
+  s.withnames.clear();
+  s.withlevels.clear();
+  for (toutputfile& f : s.files) closefile(f.file);
+  s.files.clear();
+  s.params.clear();
+  s.paramkinds.clear();
+  s.redo.clear();
+  s.undo.clear();
+  s.running = false;
+  s.halted = false;
+  s.line = 0;
+  s.lasterror.clear();
+
+  println("Script runs...");
+  s.running = true;
+  for (const char* name : {"true", "false", "condition", "for.length", "for.rest", "for.count", "for.relative"})
+    setvarquiet(s, name, equalutf8(utf16(name), "true") ? "1" : "0");
+  run(s, 0, true);
+  closelevel(s);
+  s.running = false;
+  println("Script ends.");
+  s.params.clear();
+  s.paramkinds.clear();
+  s.rawparams.clear();
+  s.rawparamkinds.clear();
+}

@@ -1,0 +1,298 @@
+#include "script/variables.h"
+
+#include <algorithm>
+
+#include "script/echo.h"
+#include "script/registry.h"
+#include "script/values.h"
+
+namespace {
+
+utf16 variablename(const utf16& name) { return lower(replacechar(name, ' ', '.')); }
+
+// Index of the first variable of `level` or above; the list is ordered by level.
+size_t firstoflevel(const tscript& s, int64_t level) {
+  const auto at = std::lower_bound(s.variables.begin(), s.variables.end(), level,
+                                   [](const tvariable& v, int64_t l) { return v.level < l; });
+  return static_cast<size_t>(at - s.variables.begin());
+}
+
+bool ismembername(const tscript& s, const utf16& name) {
+  return std::any_of(s.members.begin(), s.members.end(), [&](const tmember& m) { return equal(m.name, name); });
+}
+
+// Tab-separated elements of a value; an empty value has one (empty) element.
+std::vector<utf16> elements(const utf16& value) {
+  std::vector<utf16> out;
+  utf16 rest = value;
+  do {
+    out.push_back(cutword(rest, "\t"));
+  } while (!empty(rest));
+  if (!empty(value) && charat(value, length(value)) == '\t') out.push_back(utf16());
+  return out;
+}
+
+utf16 joinelements(const std::vector<utf16>& parts) {
+  utf16 out;
+  for (size_t i = 0; i < parts.size(); ++i) {
+    if (i) appendchar(out, '\t');
+    append(out, parts[i]);
+  }
+  return out;
+}
+
+// "name[i]" as a target: the value merged into element i of the old value.
+bool elementtarget(const tscript& s, utf16& name, utf16& value) {
+  if (empty(name) || charat(name, length(name)) != ']') return false;
+  const int64_t open = poschar('[', name);
+  if (open == 0) return false;
+  const int64_t index = textnat(copyrange(name, open + 1, length(name) - 1));
+  name = copy(name, 1, open - 1);
+  if (index <= 0) return true;
+  std::vector<utf16> parts = empty(getvar(s, name)) ? std::vector<utf16>() : elements(getvar(s, name));
+  if (static_cast<int64_t>(parts.size()) < index) parts.resize(static_cast<size_t>(index));
+  parts[static_cast<size_t>(index - 1)] = value;
+  value = joinelements(parts);
+  return true;
+}
+
+int64_t findvariable(const tscript& s, const utf16& name) {
+  for (auto i = static_cast<int64_t>(s.variables.size()) - 1; i >= 0; --i)
+    if (equal(s.variables[static_cast<size_t>(i)].name, name)) return i;
+  return -1;
+}
+
+}  // namespace
+
+void setvarquiet(tscript& s, const utf16& name, const utf16& value) {
+  const utf16 key = variablename(name);
+  const int64_t at = findvariable(s, key);
+  if (at >= 0) {
+    s.variables[static_cast<size_t>(at)].value = celfromutf16(value);
+    return;
+  }
+  s.variables.push_back({celfromutf16(key), celfromutf16(value), s.level});
+}
+
+void setvar(tscript& s, const utf16& name, const utf16& value) {
+  utf16 key = name, text = value;
+  elementtarget(s, key, text);
+  key = variablename(key);
+  if (ismembername(s, key)) {
+    reporterror(s, utf16("overloaded identifier: ") + key);
+    return;
+  }
+  setvarquiet(s, key, text);
+}
+
+void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level) {
+  utf16 key = name, text = value;
+  elementtarget(s, key, text);
+  key = variablename(key);
+  if (ismembername(s, key)) {
+    reporterror(s, utf16("overloaded identifier: ") + key);
+    return;
+  }
+  const int64_t at = findvariable(s, key);
+  if (at >= 0) {
+    s.variables[static_cast<size_t>(at)].value = celfromutf16(text);
+    return;
+  }
+  // Keep the list sorted by level: the new entry goes behind the last one of its level.
+  const size_t place = firstoflevel(s, level + 1);
+  s.variables.insert(s.variables.begin() + static_cast<long>(place), {celfromutf16(key), celfromutf16(text), level});
+}
+
+void newlocal(tscript& s, const utf16& name, const utf16& value) {
+  s.variables.push_back({celfromutf16(variablename(name)), celfromutf16(value), s.level + 1});
+}
+
+utf16 getvar(const tscript& s, const utf16& name) {
+  const int64_t at = findvariable(s, variablename(name));
+  return at >= 0 ? s.variables[static_cast<size_t>(at)].value : utf16();
+}
+
+int64_t hasvar(const tscript& s, const utf16& name) { return findvariable(s, variablename(name)); }
+
+void closelevel(tscript& s) {
+  const int64_t l = s.level;
+  if (l <= 0) return;  // level 0 holds the built-ins and the start variables
+  std::erase_if(s.members, [l](const tmember& m) { return m.level >= l; });
+  s.modulestart.clear();
+  s.modulelevel.clear();
+  s.variables.resize(firstoflevel(s, l));
+  for (size_t i = 0; i < s.withnames.size();) {
+    if (s.withlevels[i] >= l) {
+      s.withnames.erase(s.withnames.begin() + static_cast<long>(i));
+      s.withlevels.erase(s.withlevels.begin() + static_cast<long>(i));
+    } else {
+      ++i;
+    }
+  }
+  while (!s.files.empty() && s.files.back().level >= l) {
+    closefile(s.files.back().file);
+    s.files.pop_back();
+  }
+  --s.level;
+  if (static_cast<int64_t>(s.blocknames.size()) > s.level) s.blocknames.resize(static_cast<size_t>(s.level));
+}
+
+utf16 macrosubstitute(const tscript& s, const utf16& text) {
+  if (empty(text) || poschar('@', text) == 0) return text;
+  utf16 out = text;
+  for (auto i = s.variables.rbegin(); i != s.variables.rend(); ++i) {
+    if (empty(i->name)) continue;
+    out = replace(out, utf16("@") + i->name, i->value);
+    out = replace(out, utf16("@") + upper(i->name), upper(i->value));
+    if (poschar('@', out) == 0) break;
+  }
+  return out;
+}
+
+utf16 substituteword(const tscript& s, const utf16& word) {
+  utf16 out = word;
+  utf16 key = lower(word);
+  for (auto i = s.variables.rbegin(); i != s.variables.rend(); ++i) {
+    if (equal(i->name, key)) {
+      out = i->value;
+      key = lower(out);
+    }
+  }
+  return out;
+}
+
+namespace {
+
+// Members of a bracketed text, each substituted, joined again by the same separators.
+utf16 substitutemembers(const tscript& s, const utf16& text) {
+  utf16 out, rest = text;
+  for (;;) {
+    const int64_t comma = poschar(',', rest), semicolon = poschar(';', rest);
+    int64_t cut = comma == 0 ? semicolon : (semicolon == 0 ? comma : std::min(comma, semicolon));
+    const utf16 member = trimblanks(cut == 0 ? rest : copy(rest, 1, cut - 1));
+    append(out, empty(member) ? member : substituteword(s, member));
+    if (cut == 0) break;
+    appendchar(out, charat(rest, cut));
+    rest = copy(rest, cut + 1, length(rest));
+  }
+  return out;
+}
+
+utf16 elementvalue(const tscript& s, const utf16& word) {
+  const int64_t open = poschar('[', word), close = poschar(']', word);
+  const utf16 name = copy(word, 1, open - 1);
+  const int64_t index = textnat(substituteword(s, trimblanks(copyrange(word, open + 1, close - 1))));
+  if (index < 0) return word;
+  const utf16 value = getvar(s, name);
+  const std::vector<utf16> parts = elements(value);
+  if (index == 0) return nattext(static_cast<int64_t>(parts.size()));
+  return index <= static_cast<int64_t>(parts.size()) ? parts[static_cast<size_t>(index - 1)] : utf16();
+}
+
+// A number given as "$hex" or "%binary": characters that are no digit are passed over.
+utf16 basednumber(const utf16& digits, int base) {
+  double value = 0;
+  for (int64_t i = 1; i <= length(digits); ++i) {
+    const uint16_t c = charat(digits, i);
+    int d = -1;
+    if (c >= '0' && c <= '9') d = c - '0';
+    else if (c >= 'a' && c <= 'f') d = c - 'a' + 10;
+    else if (c >= 'A' && c <= 'F') d = c - 'A' + 10;
+    if (d >= 0 && d < base) value = value * base + d;
+  }
+  return realtext(value);
+}
+
+utf16 unquote(const utf16& word, uint16_t quote) {
+  utf16 inner = copy(word, 2, length(word));
+  if (!empty(inner) && charat(inner, length(inner)) == quote) inner = copy(inner, 1, length(inner) - 1);
+  const utf16 q = utf16char(quote);
+  return replace(inner, q + q, q);
+}
+
+uint16_t closer(uint16_t open) {
+  switch (open) {
+    case '(': return ')';
+    case '<': return '>';
+    case '[': return ']';
+    default: return '}';
+  }
+}
+
+// One split of the statement text into words with kinds; raw = < and > protect nothing.
+void split(tscript& s, utf16 text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+  words.clear();
+  kinds.clear();
+  for (;;) {
+    text = trimblanks(text);
+    if (empty(text)) break;
+    utf16 word = raw ? cutrawparam(text, " ") : cutparam(text, " ");
+    const uint16_t first = charat(word, 1);
+    uint8_t kind = param_plain;
+    if (first == '"' || first == '\'') {
+      word = unquote(word, first);
+      if (empty(word)) continue;
+      kind = param_quoted;
+    } else if (first == '#') {
+      word = utf16char(static_cast<uint16_t>(textnat(copy(word, 2, length(word)))));
+      kind = param_quoted;
+    } else if (first == '$' || first == '%') {
+      word = basednumber(copy(word, 2, length(word)), first == '$' ? 16 : 2);
+      kind = param_bracketed;
+    } else if (first == '(' || first == '<' || first == '[' || first == '{') {
+      word = copy(word, 2, length(word));
+      if (!empty(word) && charat(word, length(word)) == closer(first)) word = copy(word, 1, length(word) - 1);
+      if (empty(word)) continue;
+      kind = param_bracketed;
+    } else if (first == '-' || (first >= '0' && first <= '9')) {
+      kind = param_literal;
+    } else if (charat(word, length(word)) == ']') {
+      kind = param_element;
+    } else if (words.empty() && isregistered(s, lower(word), tlookup::function)) {
+      kind = param_function;
+    } else if (isregistered(s, lower(word), tlookup::varfunction)) {
+      kind = param_varfunction;
+    }
+    words.push_back(word);
+    kinds.push_back(kind);
+  }
+  for (size_t i = 0; i < words.size() && !s.halted; ++i) {
+    utf16& w = words[i];
+    if (empty(w)) continue;
+    switch (kinds[i]) {
+      case param_plain: case param_function: w = substituteword(s, w); break;
+      case param_bracketed: w = substitutemembers(s, w); break;
+      case param_element: w = elementvalue(s, w); break;
+      case param_varfunction: {
+        utf16 value;
+        callvarfunc(s, lower(w), value);
+        w = value;
+        break;
+      }
+      default: break;
+    }
+  }
+}
+
+}  // namespace
+
+void splitparams(tscript& s, const utf16& rest) {
+  s.paramtext = macrosubstitute(s, rest);
+  s.rawparamsready = false;
+  split(s, s.paramtext, false, s.params, s.paramkinds);
+}
+
+void splitrawparams(tscript& s) {
+  if (s.rawparamsready) return;
+  s.rawparamsready = true;
+  split(s, s.paramtext, true, s.rawparams, s.rawparamkinds);
+}
+
+utf16 joinparams(const tscript& s, const utf16& separator) {
+  utf16 out;
+  for (size_t i = 0; i < s.params.size(); ++i) {
+    if (i) append(out, separator);
+    append(out, s.params[i]);
+  }
+  return out;
+}

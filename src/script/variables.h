@@ -1,0 +1,31 @@
+// Variables (names with a text, dynamically scoped, dying with their block), the split of a
+// statement into parameters, and the assignment statements.
+#pragma once
+#include <cstdint>
+
+#include "script/tscript.h"
+
+void setvar(tscript& s, const utf16& name, const utf16& value);
+void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level);
+void newlocal(tscript& s, const utf16& name, const utf16& value);
+utf16 getvar(const tscript& s, const utf16& name);
+int64_t hasvar(const tscript& s, const utf16& name);  // index from 0, or -1
+// Sets a variable without the checks of an assignment (for the engine's own variables).
+void setvarquiet(tscript& s, const utf16& name, const utf16& value);
+
+// Closes the current level: members, modules, variables, with entries and files of it go.
+void closelevel(tscript& s);
+
+// Splits rest into s.params with their kinds and substitutes them.
+void splitparams(tscript& s, const utf16& rest);
+// The second split (< and > protect no blanks), made on demand from the text of the last split.
+void splitrawparams(tscript& s);
+utf16 joinparams(const tscript& s, const utf16& separator);
+// Replaces a plain word by the value of the variable of that name, chained through older ones.
+utf16 substituteword(const tscript& s, const utf16& word);
+// "@name" macro substitution over all variables.
+utf16 macrosubstitute(const tscript& s, const utf16& text);
+
+// The statements var, local, global (by prefix of the keyword) and "target op ...".
+void varstatement(tscript& s, const utf16& keyword, const utf16& rest);
+void assignment(tscript& s, const utf16& firstword, const utf16& rest);
