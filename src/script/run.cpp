@@ -33,6 +33,14 @@ void onelineform(tframe& frame, utf16& keyword, utf16& rest) {
   rest = utf16();
 }
 
+// What follows the first word passes through the engine's long fields.
+utf16 longfield(const utf16& text) {
+  if (length(text) <= cellmax) return text;
+  utf16field field;
+  field.set(text);
+  return field.get();
+}
+
 bool isassignment(const utf16& rest) {
   if (length(rest) <= 2) return false;
   const int64_t blank = poschar(' ', rest);
@@ -95,7 +103,7 @@ int64_t run(tscript& s, int64_t line, bool execute) {
     s.result.clear();
     utf16 rest = text;
     utf16 keyword = lower(cutword(rest, " "));
-    rest = trimblanks(rest);
+    rest = longfield(trimblanks(rest));
     if (!empty(rest)) onelineform(frame, keyword, rest);
     if (empty(keyword)) continue;
     s.keyword.set(keyword);

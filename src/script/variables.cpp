@@ -253,7 +253,7 @@ void split(tscript& s, utf16 text, bool raw, std::vector<utf16>& words, std::vec
     } else if (isregistered(s, lower(word), tlookup::varfunction)) {
       kind = param_varfunction;
     }
-    words.push_back(word);
+    words.push_back(celfromutf16(word));
     kinds.push_back(kind);
   }
   for (size_t i = 0; i < words.size() && !s.halted; ++i) {
@@ -261,12 +261,12 @@ void split(tscript& s, utf16 text, bool raw, std::vector<utf16>& words, std::vec
     if (empty(w)) continue;
     switch (kinds[i]) {
       case param_plain: case param_function: w = substituteword(s, w); break;
-      case param_bracketed: w = substitutemembers(s, w); break;
+      case param_bracketed: w = celfromutf16(substitutemembers(s, w)); break;
       case param_element: w = elementvalue(s, w); break;
       case param_varfunction: {
         utf16 value;
         callvarfunc(s, lower(w), value);
-        w = value;
+        w = celfromutf16(value);
         break;
       }
       default: break;

@@ -1,0 +1,14 @@
+# Shared helpers of the script tests: a fresh working directory and checks that name the fault.
+set -u
+BIN=$(realpath "$1")
+WORK=$(mktemp -d /tmp/voxmill-script-XXXXXX)
+trap 'rm -rf "$WORK"' EXIT
+cd "$WORK"
+FAILS=0
+fail() { echo "FAIL: $*"; FAILS=$((FAILS + 1)); }
+check_eq() { [ "$1" == "$2" ] || fail "$3: got [$1], expected [$2]"; }
+check_contains() { grep -qF -- "$2" <<<"$1" || fail "$3: [$2] not in output"; }
+check_not_contains() { ! grep -qF -- "$2" <<<"$1" || fail "$3: [$2] should not be in output"; }
+# The console text behind the option header, progress lines removed.
+script_part() { sed -n '/^Script runs\.\.\./,$p' | tr -d '\r'; }
+finish() { [ "$FAILS" -eq 0 ] && echo "all checks passed" || exit 1; }
