@@ -6,6 +6,8 @@
 const std::vector<tcommandfamily>& commandfamilies() {
   static const std::vector<tcommandfamily> families = {
       printcommands(),
+      librarycommands(),
+      mathsettingscommands(),
   };
   return families;
 }

@@ -3,3 +3,5 @@
 #include "commands/commandtable.h"
 
 tcommandfamily printcommands();
+tcommandfamily librarycommands();
+tcommandfamily mathsettingscommands();
