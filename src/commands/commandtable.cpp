@@ -8,6 +8,7 @@ const std::vector<tcommandfamily>& commandfamilies() {
       printcommands(),
       librarycommands(),
       mathsettingscommands(),
+      mathcommands(),
   };
   return families;
 }

@@ -5,3 +5,4 @@
 tcommandfamily printcommands();
 tcommandfamily librarycommands();
 tcommandfamily mathsettingscommands();
+tcommandfamily mathcommands();

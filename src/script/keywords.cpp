@@ -24,26 +24,15 @@ void processblock(tscript& s, tframe&) {
   runblock(s, "process", true);
 }
 
-// A block that runs when its test holds and is passed over when not.
-void conditionalblock(tscript& s, const utf16& word, const utf16& stackname, bool runs) {
-  if (runs) {
-    echoline(s, word);
-    runblock(s, stackname, true);
-  } else {
-    runblock(s, stackname + ".ignore", false);
-  }
-}
-
-void thenblock(tscript& s, tframe& f) { conditionalblock(s, s.keyword.get(), "if.then", f.condition); }
-void elseblock(tscript& s, tframe& f) { conditionalblock(s, s.keyword.get(), "if.else", !f.condition); }
-
 using tkeywordtable = std::unordered_map<std::string, tkeywordaction>;
 
 const tkeywordtable& keywordtable() {
-  static const tkeywordtable table = {
-      {"ignore", ignoreblock},   {"process", processblock}, {"if.then", thenblock}, {"then", thenblock},
-      {"if.true", thenblock},    {"if.else", elseblock},    {"else", elseblock},    {"if.false", elseblock},
-  };
+  static const tkeywordtable table = [] {
+    tkeywordtable t = {{"ignore", ignoreblock}, {"process", processblock}};
+    for (auto rows : {conditionkeywords(), loopkeywords(), definitionkeywords(), outputkeywords()})
+      for (const tkeywordrow& row : rows) t.emplace(row.word, row.action);
+    return t;
+  }();
   return table;
 }
 

@@ -9,7 +9,7 @@ namespace {
 
 // The one-line forms "then <statement>", "else <statement>" and "of <value> <statement>":
 // a false test still lets a bare halt or break through.
-void onelineform(tframe& frame, utf16& keyword, utf16& rest) {
+void onelineform(const tframe& frame, utf16& keyword, utf16& rest) {
   bool runs;
   utf16 statement = rest;
   if (equalutf8(keyword, "if.then") || equalutf8(keyword, "then") || equalutf8(keyword, "if.true")) {
@@ -71,10 +71,6 @@ void dispatch(tscript& s, tframe& frame, const utf16& keyword) {
   }
 }
 
-void passover(tscript& s, const utf16& keyword) {
-  if (opensblock(keyword) || isblockmember(s, keyword)) s.line = runblock(s, keyword + ".ignore", false);
-}
-
 }  // namespace
 
 utf16 preparedline(const tscript& s, int64_t n) {
@@ -88,24 +84,32 @@ utf16 preparedline(const tscript& s, int64_t n) {
   return text;
 }
 
-int64_t run(tscript& s, int64_t line, bool execute) {
+namespace {
+
+// The line cut into its first word (lower case) and the rest, with the one-line forms applied.
+void cutstatement(const tframe& frame, const utf16& text, utf16& keyword, utf16& rest, bool onelineforms) {
+  rest = text;
+  keyword = lower(cutword(rest, " "));
+  rest = longfield(trimblanks(rest));
+  if (onelineforms && !empty(rest)) onelineform(frame, keyword, rest);
+}
+
+int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
   tframe frame;
   frame.execute = execute;
+  frame.storefile = storefile;
   ++s.level;
-  const int64_t count = linecount(s.store);
   for (;;) {
-    if (line >= count || s.halted) return line;
+    // The count is read each time: an include makes the store grow under the loop.
+    if (line >= linecount(s.store) || s.halted) return line;
     if (s.linehook) s.linehook(s.store);
     s.line = ++line;
     const utf16 text = preparedline(s, line);
-    if (empty(text)) continue;
+    if (empty(text) && storefile < 0) continue;
     s.target.clear();
     s.result.clear();
-    utf16 rest = text;
-    utf16 keyword = lower(cutword(rest, " "));
-    rest = longfield(trimblanks(rest));
-    if (!empty(rest)) onelineform(frame, keyword, rest);
-    if (empty(keyword)) continue;
+    utf16 keyword, rest;
+    cutstatement(frame, text, keyword, rest, storefile < 0);
     s.keyword.set(keyword);
     if (equalutf8(keyword, "halt")) {
       splitparams(s, rest);
@@ -123,15 +127,42 @@ int64_t run(tscript& s, int64_t line, bool execute) {
       closelevel(s);
       return line;
     }
-    if (equalutf8(keyword, "begin")) continue;
     frame.rest = rest;
-    if (!execute) {
-      passover(s, keyword);
+    if (storefile >= 0) {
+      // A store block writes its own lines; a nested store or append opens its own file,
+      // other nested blocks are passed over unwritten.
+      if (equalutf8(keyword, "store") || equalutf8(keyword, "append")) {
+        findkeyword(keyword)(s, frame);
+      } else if (opensblock(keyword) || isblockmember(s, keyword)) {
+        s.line = runblock(s, keyword + ".ignore", false);
+      } else {
+        utf16 raw;
+        getline(s.store, line, raw);
+        storeline(s, frame, raw);
+        s.line = line;
+      }
+    } else if (empty(keyword) || equalutf8(keyword, "begin")) {
+      continue;
+    } else if (!execute) {
+      if (opensblock(keyword) || isblockmember(s, keyword)) s.line = runblock(s, keyword + ".ignore", false);
     } else {
       dispatch(s, frame, keyword);
     }
     line = s.line;
   }
+}
+
+}  // namespace
+
+int64_t run(tscript& s, int64_t line, bool execute) { return runframe(s, line, execute, -1); }
+
+int64_t runstoreblock(tscript& s, const utf16& stackname, int64_t file) {
+  const int64_t from = s.line;
+  s.blocknames.resize(static_cast<size_t>(std::max<int64_t>(s.level, 0)));
+  s.blocknames.push_back(stackname);
+  const int64_t end = runframe(s, from, false, file);
+  s.line = end;
+  return end;
 }
 
 int64_t runblock(tscript& s, const utf16& stackname, bool execute) {

@@ -47,6 +47,7 @@ struct toutputfile {
   int64_t level = 0;
   tfile file;
   bool redirect = false;  // print and dumps go here while it is the newest entry
+  bool appending = false;
 };
 
 // Parameter kinds, as splitparams assigns them.

@@ -1,0 +1,50 @@
+// Arithmetic on 3-vectors and on lists of components.
+#include "library/mathvector.h"
+
+#include <algorithm>
+#include <cmath>
+
+tvector added(const tvector& a, const tvector& b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
+tvector scaled(const tvector& a, double f) { return {a[0] * f, a[1] * f, a[2] * f}; }
+double dot(const tvector& a, const tvector& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+
+tvector cross(const tvector& a, const tvector& b) {
+  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+double vectorlength(const tvector& a) { return std::sqrt(dot(a, a)); }
+
+tvector normalised(const tvector& a) {
+  const double n = vectorlength(a);
+  return n == 0 ? tvector{0, 0, 0} : scaled(a, 1 / n);
+}
+
+// atan2 of sine and cosine parts stays exact near 0 and pi, where acos of the normalised
+// dot product loses half its digits.
+double vectorangle(const tvector& a, const tvector& b) { return std::atan2(vectorlength(cross(a, b)), dot(a, b)); }
+
+namespace {
+
+double normof(std::span<const double> c, tnorm norm) {
+  double result = 0;
+  switch (norm) {
+    case tnorm::smallest:
+      for (const double x : c)
+        if (x != 0 && (result == 0 || std::fabs(x) < result)) result = std::fabs(x);
+      return result;
+    case tnorm::euclidean:
+      for (const double x : c) result += x * x;
+      return std::sqrt(result);
+    case tnorm::largest:
+      for (const double x : c) result = std::max(result, std::fabs(x));
+      return result;
+  }
+  return result;
+}
+
+}  // namespace
+
+void normalise(std::span<double> components, tnorm norm) {
+  const double n = normof(components, norm);
+  for (double& x : components) x = n == 0 ? 0 : x / n;
+}

@@ -1,0 +1,234 @@
+// for, for.random, for.part, parallel, while, repeat, minimize and maximize: each calls the
+// run of its body again and again, with the loop's data as fresh variables of the body.
+#include <cmath>
+#include <string>
+
+#include "library/random.h"
+#include "script/echo.h"
+#include "script/frame.h"
+#include "script/registry.h"
+#include "script/run.h"
+#include "script/values.h"
+#include "script/variables.h"
+
+namespace {
+
+int64_t truncated(const utf16& p) {
+  const double v = std::trunc(textreal(p));
+  return roundnat(v);
+}
+
+// The variables of one pass; an empty text leaves a variable out of that pass.
+struct tpass {
+  utf16 length, rest, count, relative;
+};
+
+struct tloopnames {
+  const char* stack;
+  const char* length;
+  const char* rest;  // nullptr: the loop has no rest variable
+  const char* count;
+  const char* relative;
+};
+
+const tloopnames fornames{"for", "for.length", "for.rest", "for.count", "for.relative"};
+const tloopnames partnames{"for", "for.length", nullptr, "for.count", "for.relativ"};
+const tloopnames parallelnames{"parallel", "parallel.length", nullptr, "parallel.count", "parallel.relativ"};
+
+// Runs the body once with the pass's variables; returns the line of the body's end.
+int64_t runpass(tscript& s, int64_t start, const tloopnames& names, const tpass& pass) {
+  s.line = start;
+  newlocal(s, names.length, pass.length);
+  if (names.rest) newlocal(s, names.rest, pass.rest);
+  newlocal(s, names.count, pass.count);
+  newlocal(s, names.relative, pass.relative);
+  return runblock(s, names.stack, true);
+}
+
+void passover(tscript& s, const std::string& stack) { runblock(s, utf16(stack + ".ignore"), false); }
+
+// The three counting forms share their passes; `visit` gets the pass number (from 1) and
+// the pass variables and returns false to skip a pass.
+template <class Visit>
+void countingloop(tscript& s, const tloopnames& names, const utf16& echoword, Visit visit) {
+  const int64_t start = s.line;
+  int64_t end = start;
+  bool ran = false;
+  auto pass = [&](const tpass& p) {
+    if (s.halted) return false;
+    end = runpass(s, start, names, p);
+    ran = true;
+    return !s.halted;
+  };
+  if (paramcount(s) == 1) {
+    const int64_t n = truncated(s.params[0]);
+    echotext(s, echoword, nattext(n));
+    if (n == 0) {
+      passover(s, std::string(names.stack));
+      return;
+    }
+    const int64_t len = n < 0 ? -n : n;
+    for (int64_t k = 1; k <= len; ++k) {
+      const int64_t i = n < 0 ? -k : k;
+      if (!visit(k, i)) continue;
+      if (!pass({nattext(len), nattext(len - i), nattext(i), realtext(static_cast<double>(i) / static_cast<double>(n))})) break;
+    }
+  } else if (paramcount(s) == 2) {
+    const int64_t a = truncated(s.params[0]), b = truncated(s.params[1]);
+    echotext(s, echoword, nattext(a) + ".." + nattext(b));
+    const int64_t len = (a <= b ? b - a : a - b) + 1, step = a <= b ? 1 : -1;
+    for (int64_t i = a, k = 1;; i += step, ++k) {
+      const double relative = 1.0 / static_cast<double>(len) + static_cast<double>(i >= a ? i - a : a - i);
+      if (visit(k, i) && !pass({nattext(len), nattext(len - i), nattext(i), realtext(relative)})) break;
+      if (i == b) break;
+    }
+  } else if (paramcount(s) == 3) {
+    const double a = textreal(s.params[0]), b = textreal(s.params[2]);
+    double step = std::fabs(textreal(s.params[1]));
+    echotext(s, echoword, realtext(a) + "..(" + realtext(textreal(s.params[1])) + ").." + realtext(b));
+    if (b < a) step = -step;
+    const utf16 len = nattext(roundnat(std::trunc((std::fabs(b - a) + 1) / std::fabs(step))));
+    int64_t k = 1;
+    for (double v = a;; v += step, ++k) {
+      if (step >= 0 ? v > b + std::fabs(step) * 1e-9 : v < b - std::fabs(step) * 1e-9) break;
+      if (visit(k, roundnat(v)) && !pass({len, utf16(), realtext(v), utf16()})) break;
+    }
+  } else {
+    reportmin(s, 1);
+    return;
+  }
+  if (ran) s.line = end;
+  else passover(s, std::string(names.stack));
+}
+
+void forloop(tscript& s, tframe& f) {
+  splitparams(s, f.rest);
+  if (s.halted) return;
+  countingloop(s, fornames, "for", [](int64_t, int64_t) { return true; });
+}
+
+void parallelloop(tscript& s, tframe& f) {
+  if (s.parallelpart == 0 && s.paralleltotal == 0) {
+    forloop(s, f);
+    return;
+  }
+  splitparams(s, f.rest);
+  if (s.halted) return;
+  if (s.parallelpart < 0 || s.paralleltotal < 0 || s.paralleltotal < s.parallelpart) {
+    reporterror(s, utf16("Wrong parallel initialization (<" + std::to_string(s.parallelpart) + ", " +
+                         std::to_string(s.paralleltotal) + ">)!"));
+    return;
+  }
+  const int64_t part = s.parallelpart, total = s.paralleltotal;
+  countingloop(s, parallelnames, "parallel", [=](int64_t, int64_t i) { return total == 0 || i % total == part; });
+}
+
+void forpartloop(tscript& s, tframe& f) {
+  splitparams(s, f.rest);
+  if (s.halted) return;
+  if (paramcount(s) != 3) {
+    reportcount(s, 3);
+    return;
+  }
+  const int64_t n = truncated(s.params[0]), p = truncated(s.params[1]), m = truncated(s.params[2]);
+  if (n < 1 || p < 1 || m < 1) return;  // the block's lines are then read as plain lines
+  const int64_t q = n / m;
+  const int64_t first = p == 1 ? 1 : q * (p - 1) + 1;
+  const int64_t last = p == 1 ? q : (p == m ? n : q * p);
+  echotext(s, "for.part", nattext(first) + ".." + nattext(last));
+  s.params = {nattext(first), nattext(last)};
+  countingloop(s, partnames, "for.part", [](int64_t, int64_t) { return true; });
+}
+
+void forrandomloop(tscript& s, tframe& f) {
+  splitparams(s, f.rest);
+  if (s.halted) return;
+  const int64_t count = paramcount(s);
+  std::vector<double> values;
+  if (count == 1) {
+    const int64_t n = std::llabs(truncated(s.params[0]));
+    for (int64_t i = 1; i <= n; ++i) values.push_back(static_cast<double>(i));
+  } else if (count == 2) {
+    int64_t a = truncated(s.params[0]), b = truncated(s.params[1]);
+    if (a > b) std::swap(a, b);
+    for (int64_t i = a; i <= b; ++i) values.push_back(static_cast<double>(i));
+  } else if (count == 3) {
+    double a = textreal(s.params[0]), b = textreal(s.params[2]);
+    const double step = std::fabs(textreal(s.params[1]));
+    if (a > b) std::swap(a, b);
+    if (step > 0)
+      for (double v = a; v <= b + step * 1e-9; v += step) values.push_back(v);
+  } else {
+    reportmin(s, 1);
+    return;
+  }
+  echotext(s, "for.random", nattext(static_cast<int64_t>(values.size())));
+  randomshuffle(values);
+  const int64_t start = s.line, n = static_cast<int64_t>(values.size());
+  const double a = count == 2 ? std::min(textreal(s.params[0]), textreal(s.params[1])) : 0;
+  int64_t end = start;
+  for (int64_t i = 1; i <= n && !s.halted; ++i) {
+    const double v = values[static_cast<size_t>(i - 1)];
+    const utf16 relative = count == 1 ? realtext(static_cast<double>(i) / static_cast<double>(n))
+                                      : realtext(1.0 / static_cast<double>(n) + (static_cast<double>(i) - a));
+    end = runpass(s, start, fornames, {nattext(n), nattext(n - i), count == 3 ? realtext(v) : nattext(roundnat(v)), relative});
+  }
+  if (n > 0) s.line = end;
+  else passover(s, "for");
+}
+
+bool allconditionstrue(const tscript& s) {
+  for (const utf16& p : s.params)
+    if (textreal(p) < 1) return false;
+  return true;
+}
+
+void whileloop(tscript& s, tframe& f) {
+  echotext(s, "while", utf16());
+  const int64_t start = s.line;
+  splitparams(s, f.rest);
+  if (s.halted) return;
+  if (s.params.empty()) {
+    reportmin(s, 1);
+    return;
+  }
+  f.loopcondition = allconditionstrue(s);
+  while (f.loopcondition && !s.halted) {
+    s.line = start;
+    newlocal(s, "condition", "1");
+    runblock(s, "while", true);
+    if (s.halted) return;
+    splitparams(s, f.rest);
+    f.loopcondition = allconditionstrue(s);
+  }
+  s.line = start;
+  newlocal(s, "condition", "0");
+  runblock(s, "while.ignore", false);
+}
+
+void repeatloop(tscript& s, tframe& f) {
+  echotext(s, "repeat", utf16());
+  const int64_t start = s.line;
+  do {
+    s.line = start;
+    newlocal(s, "condition", "1");
+    runblock(s, "repeat", true);
+    if (s.halted) return;
+    splitparams(s, s.result.get());
+    if (s.params.empty()) {
+      reportmin(s, 1);
+      return;
+    }
+    f.loopcondition = allconditionstrue(s);
+  } while (!f.loopcondition && !s.halted);
+  s.line = start;
+  newlocal(s, "condition", "0");
+  runblock(s, "repeat.ignore", false);
+}
+
+}  // namespace
+
+std::vector<tkeywordrow> loopkeywords() {
+  return {{"for", forloop},           {"parallel", parallelloop}, {"for.part", forpartloop},
+          {"for.random", forrandomloop}, {"while", whileloop},    {"repeat", repeatloop}};
+}

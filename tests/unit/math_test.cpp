@@ -1,0 +1,274 @@
+// Vectors, homogeneous matrices, quaternions and matrix text.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+#include "library/mathmatrix.h"
+#include "library/mathquaternion.h"
+#include "library/mathtext.h"
+#include "library/mathvector.h"
+
+namespace {
+
+constexpr double pi = std::numbers::pi;
+
+void expectnear(const tvector& got, const tvector& want, double tolerance = 1e-14) {
+  for (int i = 0; i < 3; ++i) EXPECT_NEAR(got[i], want[i], tolerance) << "component " << i;
+}
+
+void expectnear(const tmatrix& got, const tmatrix& want, double tolerance = 1e-13) {
+  for (int i = 0; i < 4; ++i)
+    for (int j = 0; j < 4; ++j) EXPECT_NEAR(got[i][j], want[i][j], tolerance) << "entry " << i << "," << j;
+}
+
+// Equal as rotations: q and -q are the same rotation.
+void expectsamerotation(const tquaternion& a, const tquaternion& b) {
+  const double sign = a.x * b.x + a.y * b.y + a.z * b.z + a.w * b.w < 0 ? -1 : 1;
+  EXPECT_NEAR(a.x, sign * b.x, 1e-14);
+  EXPECT_NEAR(a.y, sign * b.y, 1e-14);
+  EXPECT_NEAR(a.z, sign * b.z, 1e-14);
+  EXPECT_NEAR(a.w, sign * b.w, 1e-14);
+}
+
+// --- vectors ---------------------------------------------------------------------------
+
+TEST(Vectors, Angles) {
+  EXPECT_NEAR(vectorangle({1, 0, 0}, {0, 1, 0}), pi / 2, 1e-15);
+  EXPECT_EQ(vectorangle({2, 0, 0}, {5, 0, 0}), 0.0);
+  EXPECT_NEAR(vectorangle({1, 0, 0}, {-3, 0, 0}), pi, 1e-15);
+  EXPECT_NEAR(vectorangle({1, 1, 0}, {1, 0, 0}), pi / 4, 1e-15);
+  EXPECT_EQ(vectorangle({0, 0, 0}, {1, 2, 3}), 0.0);
+  // Nearly parallel: acos of the dot product would lose this angle entirely.
+  EXPECT_NEAR(vectorangle({1, 0, 0}, {1, 1e-9, 0}), 1e-9, 1e-20);
+}
+
+TEST(Vectors, Norms) {
+  std::vector<double> a{2, -4, 8, 0};
+  normalise(a, tnorm::smallest);  // the zero is no candidate
+  EXPECT_EQ(a, (std::vector<double>{1, -2, 4, 0}));
+  std::vector<double> b{2, -4, 8, 0};
+  normalise(b, tnorm::largest);
+  EXPECT_EQ(b, (std::vector<double>{0.25, -0.5, 1, 0}));
+  std::vector<double> c{3, 4, 0, 0};
+  normalise(c, tnorm::euclidean);
+  EXPECT_EQ(c, (std::vector<double>{0.6, 0.8, 0, 0}));
+  std::vector<double> zero{0, 0, 0, 0};
+  for (const tnorm n : {tnorm::smallest, tnorm::euclidean, tnorm::largest}) {
+    normalise(zero, n);
+    EXPECT_EQ(zero, (std::vector<double>{0, 0, 0, 0}));
+  }
+  EXPECT_EQ(normalised({0, 0, 0}), (tvector{0, 0, 0}));
+  EXPECT_EQ(vectorlength({2, 3, 6}), 7.0);
+}
+
+// --- matrices --------------------------------------------------------------------------
+
+const tmatrix general = {thyper{2, 1, 0, 0.5}, thyper{-1, 3, 2, 0}, thyper{0, 1, 4, 1}, thyper{3, 0, 1, 2}};
+const tmatrix affine = {thyper{0, 2, 0, 0}, thyper{-3, 0, 0, 0}, thyper{0, 0, 0.5, 0}, thyper{7, -2, 5, 1}};
+
+TEST(Matrices, InverseTimesMatrixIsIdentity) {
+  for (const tmatrix& m : {general, affine, identitymatrix(), scalematrix({2, 4, 8}), movematrix({1, 2, 3})}) {
+    expectnear(product(inverted(m), m), identitymatrix());
+    expectnear(product(m, inverted(m)), identitymatrix());
+  }
+}
+
+TEST(Matrices, InversesOfKnownMatrices) {
+  // Moves and scales invert by their negative and reciprocal, exactly.
+  EXPECT_EQ(inverted(movematrix({1, -2, 4})), movematrix({-1, 2, -4}));
+  EXPECT_EQ(inverted(scalematrix({2, 4, 0.5})), scalematrix({0.5, 0.25, 2}));
+}
+
+TEST(Matrices, SingularMatrixHasTheZeroInverse) {
+  const tmatrix rows123 = {thyper{1, 2, 3, 0}, thyper{4, 5, 6, 0}, thyper{7, 8, 9, 0}, thyper{0, 0, 0, 1}};
+  EXPECT_EQ(determinant(rows123), 0.0);
+  EXPECT_TRUE(iszero(inverted(rows123)));
+  EXPECT_TRUE(iszero(inverted(tmatrix{})));
+  // A 3x3 written without the homogeneous 1 is singular as a 4x4.
+  const tmatrix threebythree{thyper{1, 0, 0, 0}, thyper{0, 1, 0, 0}, thyper{0, 0, 1, 0}, thyper{}};
+  EXPECT_TRUE(iszero(inverted(threebythree)));
+}
+
+TEST(Matrices, Determinant) {
+  EXPECT_EQ(determinant(identitymatrix()), 1.0);
+  EXPECT_EQ(determinant(scalematrix({2, 3, 4})), 24.0);
+  EXPECT_NEAR(determinant(product(general, affine)), determinant(general) * determinant(affine), 1e-12);
+}
+
+TEST(Matrices, JoinAppliesTheFirstThenTheSecond) {
+  const tvector p{1, -2, 3};
+  expectnear(transformed(product(affine, general), p), transformed(general, transformed(affine, p)), 1e-13);
+  // A scale then a move is not a move then a scale.
+  EXPECT_EQ(transformed(product(scalematrix({2, 2, 2}), movematrix({1, 0, 0})), {1, 1, 1}), (tvector{3, 2, 2}));
+  EXPECT_EQ(transformed(product(movematrix({1, 0, 0}), scalematrix({2, 2, 2})), {1, 1, 1}), (tvector{4, 2, 2}));
+}
+
+TEST(Matrices, TransformOfTheInverseReturnsThePoint) {
+  const tvector p{0.25, -7, 3};
+  expectnear(transformed(inverted(affine), transformed(affine, p)), p);
+}
+
+TEST(Matrices, TransformUsesRowsAsAxes) {
+  // x maps to v1, y to v2, z to v3, each plus v4.
+  EXPECT_EQ(transformed(affine, {1, 0, 0}), (tvector{7, 0, 5}));
+  EXPECT_EQ(transformed(affine, {0, 1, 0}), (tvector{4, -2, 5}));
+  EXPECT_EQ(transformed(affine, {0, 0, 2}), (tvector{7, -2, 6}));
+}
+
+TEST(Matrices, TransposeAndTrace) {
+  EXPECT_EQ(transposed(transposed(general)), general);
+  EXPECT_EQ(transposed(general)[0], (thyper{2, -1, 0, 3}));
+  EXPECT_EQ(trace(general), 9.0);  // the 3x3 part: 2 + 3 + 4
+}
+
+TEST(Matrices, FrameDecomposesIntoRotationScaleAndMove) {
+  const trows axes{tvector{0, 3, 0}, tvector{-1, 0, 0}, tvector{0, 0, 2}};
+  const tmatrix m = framematrix(axes, {2, 4, 8}, {1, 2, 3});
+  // The axes count by direction only; the scale sets the lengths.
+  EXPECT_EQ(m, (tmatrix{thyper{0, 2, 0, 0}, thyper{-4, 0, 0, 0}, thyper{0, 0, 8, 0}, thyper{1, 2, 3, 1}}));
+  EXPECT_EQ(rowlengths(m), (tvector{2, 4, 8}));
+  EXPECT_EQ(translation(m), (tvector{1, 2, 3}));
+  EXPECT_EQ(rotationrows(m), (trows{tvector{0, 1, 0}, tvector{-1, 0, 0}, tvector{0, 0, 1}}));
+  EXPECT_EQ(framematrix(rotationrows(m), rowlengths(m), translation(m)), m);
+  EXPECT_EQ(rotationmatrix(m), (tmatrix{thyper{0, 1, 0, 0}, thyper{-1, 0, 0, 0}, thyper{0, 0, 1, 0}, thyper{0, 0, 0, 1}}));
+}
+
+TEST(Matrices, FrameOfTwoDirections) {
+  const trows f = framerows({2, 0, 0}, {1, 5, 0});
+  EXPECT_EQ(f, (trows{tvector{1, 0, 0}, tvector{0, 1, 0}, tvector{0, 0, 1}}));
+  const trows g = framerows({0, 0, 3}, {1, 0, 1});
+  expectnear(g[0], {0, 0, 1});
+  expectnear(g[1], {1, 0, 0});
+  expectnear(g[2], {0, 1, 0});
+  // Parallel directions fix only the first axis.
+  EXPECT_EQ(framerows({1, 0, 0}, {2, 0, 0}), (trows{tvector{1, 0, 0}, tvector{0, 0, 0}, tvector{0, 0, 0}}));
+}
+
+TEST(Matrices, SymmetricPartAveragesTheMirroredEntries) {
+  const tsymmetric s = symmetricpart(general);
+  EXPECT_EQ(s.xx, 2.0);
+  EXPECT_EQ(s.yy, 3.0);
+  EXPECT_EQ(s.zz, 4.0);
+  EXPECT_EQ(s.xy, 0.0);  // (1 + -1) / 2
+  EXPECT_EQ(s.xz, 0.0);
+  EXPECT_EQ(s.yz, 1.5);  // (2 + 1) / 2
+}
+
+// --- quaternions -------------------------------------------------------------------------
+
+TEST(Quaternions, HamiltonProductOfTheUnits) {
+  const tquaternion i{1, 0, 0, 0}, j{0, 1, 0, 0}, k{0, 0, 1, 0};
+  const tquaternion ij = hamilton(i, j), ji = hamilton(j, i), ii = hamilton(i, i), jk = hamilton(j, k);
+  EXPECT_EQ((thyper{ij.x, ij.y, ij.z, ij.w}), (thyper{0, 0, 1, 0}));
+  EXPECT_EQ((thyper{ji.x, ji.y, ji.z, ji.w}), (thyper{0, 0, -1, 0}));
+  EXPECT_EQ((thyper{ii.x, ii.y, ii.z, ii.w}), (thyper{0, 0, 0, -1}));
+  EXPECT_EQ((thyper{jk.x, jk.y, jk.z, jk.w}), (thyper{1, 0, 0, 0}));
+  // q q* = |q|^2
+  const tquaternion q{1, 2, 3, 4};
+  const tquaternion n = hamilton(q, conjugate(q));
+  EXPECT_EQ(hyperof(n), (thyper{0, 0, 0, 30}));
+}
+
+TEST(Quaternions, AxisAngle) {
+  const tquaternion q = axisangle({0, 0, 5}, pi / 2);
+  EXPECT_NEAR(q.z, std::sqrt(0.5), 1e-15);
+  EXPECT_NEAR(q.w, std::sqrt(0.5), 1e-15);
+  expectnear(rotated(q, {1, 0, 0}), {0, 1, 0});
+  expectnear(rotated(q, {0, 1, 0}), {-1, 0, 0});
+  expectnear(rotationaxis(q), {0, 0, 1});
+  EXPECT_NEAR(rotationangle(q), pi / 2, 1e-15);
+  // No axis, no rotation; no rotation has no axis.
+  EXPECT_EQ(hyperof(axisangle({0, 0, 0}, 1)), (thyper{0, 0, 0, 1}));
+  EXPECT_EQ(rotationaxis(tquaternion{}), (tvector{0, 0, 0}));
+  EXPECT_EQ(rotationangle(tquaternion{}), 0.0);
+}
+
+TEST(Quaternions, LengthDoesNotChangeTheRotation) {
+  const tquaternion q = axisangle({1, 2, 2}, 0.7);
+  const tquaternion longer{3 * q.x, 3 * q.y, 3 * q.z, 3 * q.w};
+  expectnear(rotated(longer, {1, -1, 2}), rotated(q, {1, -1, 2}));
+  EXPECT_NEAR(rotationangle(longer), 0.7, 1e-15);
+  // The zero quaternion leaves vectors alone.
+  EXPECT_EQ(rotated({0, 0, 0, 0}, {1, 2, 3}), (tvector{1, 2, 3}));
+  EXPECT_EQ(quaternionmatrix({0, 0, 0, 0}), identitymatrix());
+}
+
+const std::vector<tquaternion> rotations = {
+    axisangle({0, 0, 1}, pi / 2), axisangle({1, 2, 3}, 0.3),  axisangle({-1, 1, 0.5}, 2.5),
+    axisangle({1, 0, 0}, pi),     axisangle({0, 1, 0}, pi),   axisangle({0, 0, 1}, pi),
+    axisangle({1, 1, 1}, pi),     axisangle({1, -2, 0}, 3.1), tquaternion{},
+};
+
+TEST(Quaternions, MatrixMapsLikeTheQuaternion) {
+  const tvector v{0.3, -1.2, 2.5};
+  for (const tquaternion& q : rotations) expectnear(transformed(quaternionmatrix(q), v), rotated(q, v));
+}
+
+TEST(Quaternions, MatrixAndBackGivesTheRotation) {
+  for (const tquaternion& q : rotations) expectsamerotation(matrixquaternion(quaternionmatrix(q)), q);
+  // A scaled and moved matrix holds the same rotation.
+  const tquaternion q = axisangle({2, -1, 1}, 1.1);
+  tmatrix m = product(scalematrix({2, 5, 0.5}), quaternionmatrix(q));
+  m[3] = {4, 5, 6, 1};
+  expectsamerotation(matrixquaternion(m), q);
+  EXPECT_GE(matrixquaternion(quaternionmatrix({0, 0, 0.6, -0.8})).w, 0.0);
+}
+
+TEST(Quaternions, RotationMatrixIsOrthonormalAndRightHanded) {
+  for (const tquaternion& q : rotations) {
+    const tmatrix m = quaternionmatrix(q);
+    expectnear(product(m, transposed(m)), identitymatrix());
+    EXPECT_NEAR(determinant(m), 1, 1e-14);
+  }
+}
+
+TEST(Quaternions, JoinComposesRotationsInOrder) {
+  const tquaternion a = axisangle({0, 0, 1}, pi / 2), b = axisangle({1, 0, 0}, pi / 2);
+  // x turns to y about z, then y turns to z about x.
+  expectnear(rotated(joined(a, b), {1, 0, 0}), {0, 0, 1});
+  for (const tquaternion& p : rotations)
+    for (const tquaternion& q : rotations) {
+      expectnear(quaternionmatrix(joined(p, q)), product(quaternionmatrix(p), quaternionmatrix(q)));
+      const tvector v{1, 2, -0.5};
+      expectnear(rotated(joined(p, q), v), rotated(q, rotated(p, v)), 1e-13);
+    }
+}
+
+TEST(Quaternions, ConjugateUndoesTheRotation) {
+  for (const tquaternion& q : rotations) {
+    expectnear(rotated(conjugate(q), rotated(q, {1, 2, 3})), {1, 2, 3}, 1e-14);
+    expectnear(inverted(quaternionmatrix(q)), quaternionmatrix(conjugate(q)));
+  }
+}
+
+// --- matrix text -------------------------------------------------------------------------
+
+TEST(MatrixText, BracketGroupsAreRows) {
+  const tmatrix want{thyper{1, 2, 3, 4}, thyper{5, 6, 7, 8}, thyper{9, 10, 11, 12}, thyper{13, 14, 15, 16}};
+  EXPECT_EQ(textmatrix("<<1, 2, 3, 4>, <5, 6, 7, 8>, <9, 10, 11, 12>, <13, 14, 15, 16>>"), want);
+  // A bracketed parameter arrives without its outer brackets.
+  EXPECT_EQ(textmatrix("<1,2,3,4>,<5,6,7,8>,<9,10,11,12>,<13,14,15,16>"), want);
+  EXPECT_EQ(textmatrix("1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16"), want);
+  // Short rows and missing rows are zero.
+  EXPECT_EQ(textmatrix("<<2>, <0, 3>>"), (tmatrix{thyper{2, 0, 0, 0}, thyper{0, 3, 0, 0}, thyper{}, thyper{}}));
+  EXPECT_EQ(textmatrix(""), tmatrix{});
+  EXPECT_EQ(textmatrix("<<1, 0, 0, 0>, <0, 1, 0, 0>, <0, 0, 1, 0>, <0, 0, 0, 1>, <9, 9, 9, 9>>"), identitymatrix());
+}
+
+TEST(MatrixText, DecimalCommaMode) {
+  const tnumbersettings saved = numbersettings;
+  numbersettings.decimal = false;
+  EXPECT_EQ(textmatrix("<<1,5; 0; 0; 0>; <0; 2,5; 0; 0>>")[1][1], 2.5);
+  numbersettings = saved;
+}
+
+TEST(MatrixText, SignificantDigits) {
+  EXPECT_EQ(utf16toutf8(significanttext(pi, 12)), "3.14159265359");
+  EXPECT_EQ(utf16toutf8(significanttext(pi / 4, 12)), "0.785398163397");
+  EXPECT_EQ(utf16toutf8(significanttext(2 * pi, 12)), "6.28318530718");
+  EXPECT_EQ(utf16toutf8(significanttext(-123456.789, 4)), "-123457");
+}
+
+}  // namespace
