@@ -29,6 +29,7 @@ std::vector<tkeywordrow> conditionkeywords();
 std::vector<tkeywordrow> loopkeywords();
 std::vector<tkeywordrow> definitionkeywords();
 std::vector<tkeywordrow> outputkeywords();
+std::vector<tkeywordrow> searchkeywords();
 // Writes one line of a store block to its file (raw text; @ and @@ lines are processed).
 void storeline(tscript& s, tframe& frame, const utf16& raw);
 // Runs the block behind the current line as a new frame that writes to output file `file`.

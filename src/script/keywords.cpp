@@ -29,7 +29,7 @@ using tkeywordtable = std::unordered_map<std::string, tkeywordaction>;
 const tkeywordtable& keywordtable() {
   static const tkeywordtable table = [] {
     tkeywordtable t = {{"ignore", ignoreblock}, {"process", processblock}};
-    for (auto rows : {conditionkeywords(), loopkeywords(), definitionkeywords(), outputkeywords()})
+    for (auto rows : {conditionkeywords(), loopkeywords(), definitionkeywords(), outputkeywords(), searchkeywords()})
       for (const tkeywordrow& row : rows) t.emplace(row.word, row.action);
     return t;
   }();

@@ -150,14 +150,13 @@ bool isblockmember(tscript& s, const utf16& name) {
 }
 
 void callproc(tscript& s, int64_t line, const utf16& name) {
-  int64_t hit = lookup(s, name, tlookup::procedure);
   utf16 shown = name;
-  if (hit < 0) {
-    const utf16 repaired = repairword(s, name);
-    if (!empty(repaired)) {
-      shown = repaired;
-      hit = lookup(s, repaired, tlookup::procedure);
-    }
+  int64_t hit = lookup(s, shown, tlookup::procedure);
+  // An unknown word may be mended by the user; a mended word that is unknown asks again.
+  while (hit < 0 && repair(s, shown)) hit = lookup(s, shown, tlookup::procedure);
+  if (hit >= 0) {
+    s.undo.push_back(shown);
+    if (s.undo.size() > 100) s.undo.erase(s.undo.begin());
   }
   if (hit < 0) {
     if (!s.halted) reportunknown(s, shown, "procedure");

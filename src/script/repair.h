@@ -2,5 +2,6 @@
 #pragma once
 #include "script/tscript.h"
 
-// The word the user typed in place of an unknown one, or an empty text.
-utf16 repairword(tscript& s, const utf16& word);
+// Asks the user for a replacement of an unknown procedure name. On true, `name` is the new
+// name and the parameters are split anew; false when no dialogue may open or the input ended.
+bool repair(tscript& s, utf16& name);

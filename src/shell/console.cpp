@@ -96,14 +96,22 @@ void flushconsole() {
   if (logfile) std::fflush(logfile);
 }
 
-utf16 readline() {
-  if (!interactive) return utf16();
+bool readconsoleline(utf16& out) {
+  out = utf16();
+  if (!interactive) return false;
   flushconsole();
   std::string line;
-  if (!std::getline(std::cin, line)) return utf16();
+  if (!std::getline(std::cin, line)) return false;
   if (!line.empty() && line.back() == '\r') line.pop_back();
   if (logon) tolog(line + "\n");
-  return utf16fromutf8(line);
+  out = utf16fromutf8(line);
+  return true;
+}
+
+utf16 readline() {
+  utf16 line;
+  readconsoleline(line);
+  return line;
 }
 
 std::string colorbegin(tcolor c) {

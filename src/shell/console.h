@@ -24,6 +24,8 @@ void flushconsole();
 
 // A line from the console, or an empty text when the console may not be read.
 utf16 readline();
+// The same, false when the console may not be read or its input has ended.
+bool readconsoleline(utf16& out);
 
 // ANSI colour codes of the colour prints; empty unless interactive.
 enum class tcolor { red, green, blue, yellow, cyan, purple };
