@@ -70,22 +70,29 @@ int64_t find(const tscript& s, const utf16& name, tlookup what) {
   return -1;
 }
 
-void addmember(tscript& s, const utf16& name, uint8_t kind, thandler h1, thandler h2) {
-  const utf16 full = concat(s.prefix.get(), membername(name));
+// False, with the message, when the name is registered in the same scope with the same nibble.
+bool isdouble(const tscript& s, const utf16& full, int64_t level, uint8_t kind) {
   for (const tmember& m : s.members) {
-    if (!equal(m.name, full)) continue;
-    if (m.level == 0 && lownibble(m.kind) == lownibble(kind)) {
+    if (m.level == level && lownibble(m.kind) == lownibble(kind) && equal(m.name, full)) {
       println("Attention double syntax member in this scope! (" + utf16toutf8(full) + ")");
-      return;
+      return true;
     }
-    break;
   }
+  return false;
+}
+
+bool addmember(tscript& s, const utf16& name, uint8_t kind, thandler h1, thandler h2, int64_t level = 0, int64_t bodyline = 0) {
+  const utf16 full = celfromutf16(concat(s.prefix.get(), membername(name)));
+  if (isdouble(s, full, level, kind)) return false;
   tmember m;
-  m.name = celfromutf16(full);
+  m.name = full;
   m.kind = kind;
   m.handler1 = h1;
   m.handler2 = h2;
+  m.level = level;
+  m.bodyline = bodyline;
   s.members.push_back(std::move(m));
+  return true;
 }
 
 void report(tscript& s, const utf16& text) {
@@ -112,24 +119,10 @@ void regblock(tscript& s, const utf16& name, thandler enter, thandler leave) {
 
 bool regscript(tscript& s, const utf16& name, int64_t level, uint8_t kind, int64_t bodyline, const utf16& text1,
                const utf16& text2, const utf16& text3) {
-  const utf16 full = concat(s.prefix.get(), membername(name));
-  for (const tmember& m : s.members) {
-    if (!equal(m.name, full)) continue;
-    if (m.level == level && lownibble(m.kind) == lownibble(kind)) {
-      println("Attention double syntax member in this scope! (" + utf16toutf8(full) + ")");
-      return false;
-    }
-    break;
-  }
-  tmember m;
-  m.name = celfromutf16(full);
-  m.kind = kind;
-  m.bodyline = bodyline;
-  m.level = level;
-  m.text1 = text1;
-  m.text2 = text2;
-  m.text3 = text3;
-  s.members.push_back(std::move(m));
+  if (!addmember(s, name, kind, nullptr, nullptr, level, bodyline)) return false;
+  s.members.back().text1 = text1;
+  s.members.back().text2 = text2;
+  s.members.back().text3 = text3;
   return true;
 }
 
