@@ -9,6 +9,8 @@ const std::vector<tcommandfamily>& commandfamilies() {
       librarycommands(),
       mathsettingscommands(),
       mathcommands(),
+      dumpcommands(),
+      subprogramcommands(),
   };
   return families;
 }

@@ -6,3 +6,5 @@ tcommandfamily printcommands();
 tcommandfamily librarycommands();
 tcommandfamily mathsettingscommands();
 tcommandfamily mathcommands();
+tcommandfamily dumpcommands();
+tcommandfamily subprogramcommands();

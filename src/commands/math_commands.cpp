@@ -136,25 +136,25 @@ void normcommand(tscript& s) {
   setresult(s, out);
 }
 
-// Constants print with twelve significant digits.
-template <double value>
-void constant(tscript& s) {
-  setresult(s, significanttext(value, 12));
-}
-
 constexpr double pi = std::numbers::pi;
+
+// Constants print with twelve significant digits; they are the multiples of pi a/b.
+template <int a, int b>
+void constant(tscript& s) {
+  setresult(s, significanttext(pi * a / b, 12));
+}
 
 using enum tcommandkind;
 
 constexpr tcommand rows[] = {
-    {"math.2*pi", k4, constant<2 * pi>, nullptr, "a := math.2*pi // 6.28318530718"},
-    {"math.360°", k4, constant<2 * pi>, nullptr, "a := math.360° // 6.28318530718"},
-    {"math.pi", k4, constant<pi>, nullptr, "a := math.pi // 3.14159265359"},
-    {"math.180°", k4, constant<pi>, nullptr, "a := math.180° // 3.14159265359"},
-    {"math.pi/2", k4, constant<pi / 2>, nullptr, "a := math.pi/2 // 1.57079632679"},
-    {"math.90°", k4, constant<pi / 2>, nullptr, "a := math.90° // 1.57079632679"},
-    {"math.pi/4", k4, constant<pi / 4>, nullptr, "a := math.pi/4 // 0.785398163397"},
-    {"math.45°", k4, constant<pi / 4>, nullptr, "a := math.45° // 0.785398163397"},
+    {"math.2*pi", k4, constant<2, 1>, nullptr, "a := math.2*pi // 6.28318530718"},
+    {"math.360°", k4, constant<2, 1>, nullptr, "a := math.360° // 6.28318530718"},
+    {"math.pi", k4, constant<1, 1>, nullptr, "a := math.pi // 3.14159265359"},
+    {"math.180°", k4, constant<1, 1>, nullptr, "a := math.180° // 3.14159265359"},
+    {"math.pi/2", k4, constant<1, 2>, nullptr, "a := math.pi/2 // 1.57079632679"},
+    {"math.90°", k4, constant<1, 2>, nullptr, "a := math.90° // 1.57079632679"},
+    {"math.pi/4", k4, constant<1, 4>, nullptr, "a := math.pi/4 // 0.785398163397"},
+    {"math.45°", k4, constant<1, 4>, nullptr, "a := math.45° // 0.785398163397"},
     {"math.minnorm", k2, normcommand<tnorm::smallest>, nullptr, "a := math.minnorm <2, 4, 8> // each vector divided by its smallest non-zero component"},
     {"math.norm", k2, normcommand<tnorm::euclidean>, nullptr, "a := math.norm <3, 4> // each vector divided by its length"},
     {"math.maxnorm", k2, normcommand<tnorm::largest>, nullptr, "a := math.maxnorm <2, 4, 8> // each vector divided by its largest component"},

@@ -174,8 +174,8 @@ int64_t runblock(tscript& s, const utf16& stackname, bool execute) {
   return end;
 }
 
-void runscript(tscript& s) {
-  if (linecount(s.store) == 0 || s.members.empty()) return;
+void runscript(tscript& s, bool needmembers) {
+  if (linecount(s.store) == 0 || (needmembers && s.members.empty())) return;
   s.level = 0;
   s.blocknames.clear();
   s.prefix.clear();

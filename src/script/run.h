@@ -4,8 +4,9 @@
 
 #include "script/tscript.h"
 
-// Runs the whole store; does nothing without lines or without registered members.
-void runscript(tscript& s);
+// Runs the whole store; does nothing without lines or, unless told otherwise, without
+// registered members (a sub-script of run has none and runs all the same).
+void runscript(tscript& s, bool needmembers = true);
 // Walks from the line behind `line` to the end of the block; returns the line at which it
 // stopped (its end or until, or the last line). With execute false the block is passed over.
 int64_t run(tscript& s, int64_t line, bool execute);
