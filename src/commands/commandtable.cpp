@@ -11,6 +11,9 @@ const std::vector<tcommandfamily>& commandfamilies() {
       mathcommands(),
       dumpcommands(),
       subprogramcommands(),
+      iocommands(),
+      tablecommands(),
+      textcommands(),
   };
   return families;
 }

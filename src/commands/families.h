@@ -8,3 +8,6 @@ tcommandfamily mathsettingscommands();
 tcommandfamily mathcommands();
 tcommandfamily dumpcommands();
 tcommandfamily subprogramcommands();
+tcommandfamily iocommands();
+tcommandfamily tablecommands();
+tcommandfamily textcommands();

@@ -1,0 +1,4 @@
+// Placeholder family, filled by its library.
+#include "commands/families.h"
+
+tcommandfamily tablecommands() { return {"", {}}; }

@@ -1,0 +1,75 @@
+// The handlers that every workspace has, written once and instantiated per family with
+// the workspace they act on: template <auto& W> takes the global list itself.
+#pragma once
+#include <type_traits>
+
+#include "field/workspace.h"
+#include "script/registry.h"
+#include "script/values.h"
+
+template <auto& W>
+using workspacefieldof = std::remove_pointer_t<decltype(W.current)>;
+
+template <auto& W>
+void usecmd(tscript& s) {
+  if (checkparams(s, 1)) workspaceuse(W, param(s, 1));
+}
+
+template <auto& W>
+void swapcmd(tscript& s) {
+  if (checkparams(s, 2)) workspaceswap(W, param(s, 1), param(s, 2));
+}
+
+template <auto& W>
+void namecmd(tscript& s) {
+  if (checkparams(s, 1)) workspacerename(W, param(s, 1));
+}
+
+template <auto& W>
+void dumpcmd(tscript& s) {
+  if (checkparams(s, 0)) workspacedump(ready(W));
+}
+
+// The current field becomes empty and keeps its storage kind.
+template <auto& W>
+void clearcmd(tscript& s) {
+  if (!checkparams(s, 0)) return;
+  auto& f = currentfield(W);
+  if constexpr (tgridfield<workspacefieldof<W>>)
+    fieldcreate(f, f.kind ? f.kind : W.defaultkind);
+  else
+    fieldcreate(f);
+}
+
+// The current field made new in the workspace's default kind: at its own size without
+// parameters, at <x, y(, z)> with one, at x y (z) with one per axis.
+template <auto& W>
+void newcmd(tscript& s) {
+  using F = workspacefieldof<W>;
+  F& f = currentfield(W);
+  const int64_t n = paramcount(s);
+  if (n > 1 && n < F::axes) {
+    reportcount(s, F::axes);
+    return;
+  }
+  tnatvector size = fieldsize(f);
+  if (n == 1) size = textnatvector(param(s, 1));
+  if (n > 1) size = {textnat(param(s, 1)), textnat(param(s, 2)), F::axes == 3 ? textnat(param(s, 3)) : 1};
+  fieldcreate(f, W.defaultkind, size);
+}
+
+// The storage kind of the fields that the workspace creates next; existing fields stay.
+template <auto& W, uint8_t kind>
+void defaultkindcmd(tscript& s) {
+  if (checkparams(s, 0)) W.defaultkind = kind;
+}
+
+// The target of a command that makes a field: the name left of ":=" (DEFAULT without
+// one), resolved by the strict or the plain rule. The engine is told to store nothing,
+// as the result lives in the workspace.
+template <auto& W>
+workspacefieldof<W>* resulttarget(tscript& s, bool strict) {
+  const utf16 name = gettarget(s);
+  settarget(s, utf16());
+  return strict ? workspacetargetstrict(s, W, name) : workspacetarget(W, name);
+}
