@@ -1,8 +1,11 @@
 #include "shell/program.h"
 
+#include <algorithm>
 #include <thread>
+#include <vector>
 
 #include "commands/commandtable.h"
+#include "field/workspaces.h"
 #include "script/run.h"
 #include "script/tscript.h"
 #include "script/variables.h"
@@ -24,39 +27,74 @@ utf16 stripquotes(const utf16& name) {
   return out;
 }
 
-// Options with a script meaning are kept as variables of scope 0 under their own name.
-void scriptoption(const utf16& variable, const utf16& value) { setvarquiet(script, variable, value); }
+// An option with a script meaning: kept as the variable `variable` (usually its own name).
+struct tscriptoption {
+  const char* name;
+  const char* variable;
+  const char* fallback;
+  const char* description;
+  const char* formats;  // the note line behind it; nullptr for none
+};
+
+constexpr tscriptoption inputoptions[] = {
+    {"image.input", "image.input", "image.ppm", "image input file",
+     "PNM (PBM, PGM, PPM, PAM), BMP (DIB), RGB, IMGF, raw; TGA, TIF, PNG, JPG, GIF through FreeImage or ImageMagick"},
+    {"scalar.input", "scalar.input", "scalar.nii.gz", "scalar field input file",
+     "HDR, NII, gz NII, MIF, PCR, VOL, XML, AM, VTK, VGL, ARF, raw, image stacks with *"},
+    {"vector.input", "vector.input", "vector.nii.gz", "vector field input file", "HDR, NII, gz NII, FLD, AM"},
+    {"tensor.input", "tensor.input", "tensor.nii.gz", "tensor field input file", "HDR, NII, gz NII, NHDR, NRRD"},
+    {"mesh.input", "mesh.input", "input.obj", "mesh input file", "OBJ, PLY, STL, DXF, WRL, IV, POV, ASC, CSV, PRN"},
+};
+
+constexpr tscriptoption transformoptions[] = {
+    {"mesh.split", "mesh.split", "", "split the mesh into its objects", nullptr},
+    {"mesh.smooth", "mesh.smooth", "", "smooth the mesh", nullptr},
+    {"mesh.rotate", "mesh.rotate", "", "rotate the mesh by <x, y, z> degrees", nullptr},
+    // Read as mesh.transform, kept as mesh.translate: both names stay as users know them.
+    {"mesh.transform", "mesh.translate", "", "translate the mesh by <x, y, z>", nullptr},
+    {"mesh.scale", "mesh.scale", "", "scale the mesh by <x, y, z>", nullptr},
+};
+
+constexpr tscriptoption outputoptions[] = {
+    {"image.type", "image.type", "png", "image output type", "PNM (PBM, PGM, PPM), BMP (DIB), TGA, TIF, PNG"},
+    {"scalar.type", "scalar.type", "nii.gz", "scalar field output type", "HDR, NII, gz NII, PNM, BMP, TGA, TIF, PNG"},
+    {"vector.type", "vector.type", "nii.gz", "vector field output type", "HDR, NII, gz NII, FLD, AM"},
+    {"tensor.type", "tensor.type", "nii.gz", "tensor field output type", "HDR, NII, gz NII, NHDR, NRRD"},
+    {"mesh.type", "mesh.type", "obj", "mesh output type", "OBJ, DXF, ASC, CSV, PRN, POV, INC, sPOV, sINC, nPOV, nINC"},
+};
+
+template <size_t n>
+void declaregroup(const char* title, const tscriptoption (&group)[n], bool lowercase) {
+  section(options, title);
+  for (const tscriptoption& o : group) {
+    const utf16 value = opttext(options, o.name, o.fallback, o.description);
+    if (o.formats) note(options, o.formats);
+    setvarquiet(script, o.variable, lowercase ? lower(value) : value);
+  }
+}
 
 void declareoptions(bool& first, utf16& macro) {
   first = optbool(options, "first", false, "Write first macro file example");
   macro = opttext(options, "macro", "voxmill.macro", "macro file");
-  section(options, "Input Options");
-  for (const auto& [name, fallback] : {std::pair<const char*, const char*>{"image.input", "image.ppm"},
-                                       {"scalar.input", "scalar.nii.gz"},
-                                       {"vector.input", "vector.nii.gz"},
-                                       {"tensor.input", "tensor.nii.gz"},
-                                       {"mesh.input", "input.obj"}})
-    scriptoption(name, opttext(options, name, fallback, "input file"));
+  declaregroup("Input Options", inputoptions, false);
   section(options, "Image options");
   optbool(options, "freeimage", true, "use FreeImage where it is installed");
   optbool(options, "imagemagick", true, "use ImageMagick where it is installed");
-  section(options, "Transformation Options");
-  scriptoption("mesh.split", opttext(options, "mesh.split", "", "split mesh"));
-  scriptoption("mesh.smooth", opttext(options, "mesh.smooth", "", "smooth mesh"));
-  scriptoption("mesh.rotate", opttext(options, "mesh.rotate", "", "rotate mesh"));
-  // Read as mesh.transform, kept as mesh.translate: both names stay as users know them.
-  scriptoption("mesh.translate", opttext(options, "mesh.transform", "", "translate mesh"));
-  scriptoption("mesh.scale", opttext(options, "mesh.scale", "", "scale mesh"));
-  section(options, "Output Options");
-  for (const char* name : {"image.type", "scalar.type", "vector.type", "tensor.type", "mesh.type"})
-    scriptoption(name, opttext(options, name, "", "output file type"));
+  declaregroup("Transformation Options", transformoptions, false);
+  declaregroup("Output Options", outputoptions, true);
 }
 
 void commandlinevariables() {
   const int64_t n = unknowncount(options);
+  std::vector<utf16> seen;
   for (int64_t i = 1; i <= n; ++i) {
     utf16 name, value;
-    if (unknownoption(options, i, name, value)) setvarquiet(script, utf16("parameter.") + name, value);
+    if (!unknownoption(options, i, name, value)) continue;
+    // The command line comes before the ini file, and the first of a name wins.
+    const utf16 key = lower(name);
+    if (std::find(seen.begin(), seen.end(), key) != seen.end()) continue;
+    seen.push_back(key);
+    setvarquiet(script, utf16("parameter.") + name, value);
   }
   const utf16 last = lastword(options);
   if (!empty(last)) setvarquiet(script, "parameter.last", last);
@@ -83,6 +121,7 @@ int runprogram(int argc, char** argv) {
   commandlinevariables();
   finish(options);
   setvarquiet(script, "thread.max", utf16(std::to_string(std::max(1u, std::thread::hardware_concurrency()))));
+  createworkspaces();
   registerallcommands(script);
 
   const utf16 macrofile = stripquotes(macro);
@@ -92,6 +131,7 @@ int runprogram(int argc, char** argv) {
     writeexample();
   }
   runscript(script);
+  releaseworkspaces();
   script = tscript();
   flushconsole();
   logclose();
