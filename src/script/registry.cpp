@@ -223,15 +223,20 @@ bool callvarfunc(tscript& s, const utf16& name, utf16& out) {
 
 int64_t paramcount(const tscript& s) { return static_cast<int64_t>(s.params.size()); }
 
-bool param(tscript& s, utf16& out, int64_t i) {
-  if (i < 1 || i > paramcount(s)) {
+namespace {
+// Parameter i of a split, or the error that names the count the handler wanted.
+bool takeparam(tscript& s, const std::vector<utf16>& list, utf16& out, int64_t i) {
+  if (i < 1 || i > static_cast<int64_t>(list.size())) {
     out = utf16();
     reportparameter(s, utf16("Parameter error! Please at least " + std::to_string(i) + " parameters") + lineplace(s) + ".");
     return false;
   }
-  out = s.params[static_cast<size_t>(i - 1)];
+  out = list[static_cast<size_t>(i - 1)];
   return true;
 }
+}  // namespace
+
+bool param(tscript& s, utf16& out, int64_t i) { return takeparam(s, s.params, out, i); }
 
 utf16 param(tscript& s, int64_t i) {
   utf16 out;
@@ -246,13 +251,7 @@ utf16 optparam(const tscript& s, int64_t i) {
 
 bool rawparam(tscript& s, utf16& out, int64_t i) {
   splitrawparams(s);
-  if (i < 1 || i > static_cast<int64_t>(s.rawparams.size())) {
-    out = utf16();
-    reportparameter(s, utf16("Parameter error! Please at least " + std::to_string(i) + " parameters") + lineplace(s) + ".");
-    return false;
-  }
-  out = s.rawparams[static_cast<size_t>(i - 1)];
-  return true;
+  return takeparam(s, s.rawparams, out, i);
 }
 
 bool checkparams(tscript& s, int64_t n) {

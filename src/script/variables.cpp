@@ -74,25 +74,26 @@ void setvarquiet(tscript& s, const utf16& name, const utf16& value) {
   s.variables.push_back({celfromutf16(key), celfromutf16(value), s.level});
 }
 
-void setvar(tscript& s, const utf16& name, const utf16& value) {
-  utf16 key = name, text = value;
+namespace {
+// The name and value an assignment stores, after an element target is merged; false (with
+// the error) when the name belongs to a syntax member.
+bool assignable(tscript& s, utf16& key, utf16& text) {
   elementtarget(s, key, text);
   key = variablename(key);
-  if (ismembername(s, key)) {
-    reporterror(s, utf16("overloaded identifier: ") + key);
-    return;
-  }
-  setvarquiet(s, key, text);
+  if (!ismembername(s, key)) return true;
+  reporterror(s, utf16("overloaded identifier: ") + key);
+  return false;
+}
+}  // namespace
+
+void setvar(tscript& s, const utf16& name, const utf16& value) {
+  utf16 key = name, text = value;
+  if (assignable(s, key, text)) setvarquiet(s, key, text);
 }
 
 void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level) {
   utf16 key = name, text = value;
-  elementtarget(s, key, text);
-  key = variablename(key);
-  if (ismembername(s, key)) {
-    reporterror(s, utf16("overloaded identifier: ") + key);
-    return;
-  }
+  if (!assignable(s, key, text)) return;
   const int64_t at = findvariable(s, key);
   if (at >= 0) {
     s.variables[static_cast<size_t>(at)].value = celfromutf16(text);
