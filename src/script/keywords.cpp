@@ -39,8 +39,10 @@ const tkeywordtable& keywordtable() {
 }  // namespace
 
 tkeywordaction findkeyword(const utf16& keyword) {
+  // Keywords are plain ASCII; a word with other characters (even character 0) is none.
+  if (keyword.hi.find_first_not_of('\0') != std::string::npos) return nullptr;
   const tkeywordtable& table = keywordtable();
-  const auto hit = table.find(utf16toutf8(keyword));
+  const auto hit = table.find(keyword.lo);
   return hit == table.end() ? nullptr : hit->second;
 }
 
