@@ -14,6 +14,15 @@ const std::vector<tcommandfamily>& commandfamilies() {
       iocommands(),
       tablecommands(),
       textcommands(),
+      // The library families stand above this line; the workspaces and the field
+      // families follow them in this order.
+      workspacecommands(),
+      imagecommands(),
+      scalarcommands(),
+      vectorcommands(),
+      tensorcommands(),
+      meshcommands(),
+      linecommands(),
   };
   return families;
 }

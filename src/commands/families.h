@@ -11,3 +11,11 @@ tcommandfamily subprogramcommands();
 tcommandfamily iocommands();
 tcommandfamily tablecommands();
 tcommandfamily textcommands();
+// The global clear, clean, new and dump; library families register before them.
+tcommandfamily workspacecommands();
+tcommandfamily imagecommands();
+tcommandfamily scalarcommands();
+tcommandfamily vectorcommands();
+tcommandfamily tensorcommands();
+tcommandfamily meshcommands();
+tcommandfamily linecommands();

@@ -21,7 +21,7 @@ std::span<const tcommand> workspacerows() {
       {"swap", k1, swapcmd<W>, nullptr, "swap name1 name2 // exchange two names, the fields stay"},
       {"name", k1, namecmd<W>, nullptr, "name newname // rename the current field"},
       {"dump", k1, dumpcmd<W>, nullptr, "dump // list all fields of this workspace"},
-      {"clear", k1, clearcmd<W>, nullptr, "clear // empty the current field, keep its bit level"},
+      {"clear", k1, clearcmd<W>, nullptr, "clear // empty the current field; a field keeps its bit level"},
       {"clean", k1, clearcmd<W>, nullptr, "clean // same as clear"},
   };
   return rows;

@@ -1,0 +1,26 @@
+// The mesh and line families: their workspaces.
+#include "commands/families.h"
+#include "commands/fieldrows.h"
+#include "field/workspaces.h"
+
+namespace {
+
+using enum tcommandkind;
+const tcommand meshrows[] = {
+    {"new", k1, clearcmd<meshworkspace>, nullptr, "new // an empty mesh in place of the current one"},
+};
+const tcommand linerows[] = {
+    {"new", k1, clearcmd<lineworkspace>, nullptr, "new // no lines in place of the current ones"},
+};
+
+}  // namespace
+
+tcommandfamily meshcommands() {
+  static const std::vector<tcommand> rows = prefixed("mesh.", {workspacerows<meshworkspace>(), meshrows});
+  return {"mesh.", rows};
+}
+
+tcommandfamily linecommands() {
+  static const std::vector<tcommand> rows = prefixed("line.", {workspacerows<lineworkspace>(), linerows});
+  return {"line.", rows};
+}

@@ -1,0 +1,26 @@
+// The global commands on all six workspaces at once.
+#include "commands/families.h"
+#include "field/workspaces.h"
+#include "script/registry.h"
+
+namespace {
+
+void resetcmd(tscript& s) {
+  if (checkparams(s, 0)) resetworkspaces();
+}
+
+void dumpallcmd(tscript& s) {
+  if (checkparams(s, 0)) dumpworkspaces();
+}
+
+using enum tcommandkind;
+const tcommand rows[] = {
+    {"clear", k1, resetcmd, nullptr, ""},
+    {"clean", k1, resetcmd, nullptr, "clean // same as new"},
+    {"new", k1, resetcmd, nullptr, "new // clean memory - all scalar, vector, tensor, mesh and line"},
+    {"dump", k1, dumpallcmd, nullptr, "dump // dump // dump all scalar, vector, tensor, mesh and line workspace lists"},
+};
+
+}  // namespace
+
+tcommandfamily workspacecommands() { return {"", rows}; }
