@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "commands/commandtable.h"
+#include "library/table.h"
 #include "field/workspaces.h"
 #include "script/run.h"
 #include "script/tscript.h"
@@ -131,6 +132,7 @@ int runprogram(int argc, char** argv) {
     writeexample();
   }
   runscript(script);
+  workspacerelease(tableworkspace);
   releaseworkspaces();
   script = tscript();
   flushconsole();
