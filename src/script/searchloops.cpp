@@ -70,7 +70,7 @@ void refine(tscript& s, tsearchstate& st, Step step, bool& ok) {
     changed = false;
     for (size_t i = 0; i < st.values.size() && ok && !s.halted; ++i) {
       const double candidate = step(st.values[i], false);
-      if (pastlimit(st, candidate)) continue;
+      if (pastlimit(st, candidate) || candidate == st.values[i]) continue;
       st.values[i] = candidate;
       if (trial(s, st, ok)) changed = true;
       else st.values[i] = step(candidate, true);
@@ -99,6 +99,7 @@ void search(tscript& s, tframe& f, const tsearch& kind) {
   bool ok = true;
   for (;;) {
     for (size_t i = 0; i < st.values.size(); ++i) setvar(s, st.names[i], realtext(st.values[i]));
+    const double before = st.values[0];
     for (double& v : st.values) v = stepped(st, v, true);
     s.line = st.start;
     runblock(s, kind.word, true);
@@ -110,7 +111,8 @@ void search(tscript& s, tframe& f, const tsearch& kind) {
       ok = false;
       break;
     }
-    if (beyond(st, st.values[0]) || textbool(result) || s.halted) break;
+    // A value of 0 stepped by a factor never moves: the search could not end.
+    if (beyond(st, st.values[0]) || textbool(result) || s.halted || st.values[0] == before) break;
   }
   if (ok && (kind.upward ? st.values[0] > from : st.values[0] < to))
     for (double& v : st.values) v = stepped(st, v, false);
