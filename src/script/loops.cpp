@@ -18,6 +18,9 @@ int64_t truncated(const utf16& p) {
   return roundnat(v);
 }
 
+// A loop on the last line has no body, and its passes read no line: the loop could not end.
+bool bodyless(const tscript& s, int64_t start) { return start >= linecount(s.store); }
+
 // The variables of one pass; an empty text leaves a variable out of that pass.
 struct tpass {
   utf16 length, rest, count, relative;
@@ -91,6 +94,7 @@ void countingloop(tscript& s, const tloopnames& names, const utf16& echoword, Vi
     int64_t k = 1;
     for (double v = a;; v += step, ++k) {
       if (step >= 0 ? v > b + std::fabs(step) * 1e-9 : v < b - std::fabs(step) * 1e-9) break;
+      if (step == 0 && k > 1 && bodyless(s, start)) break;
       if (visit(k, roundnat(v)) && !pass({len, utf16(), realtext(v), utf16()})) break;
     }
   } else {
@@ -192,7 +196,7 @@ void whileloop(tscript& s, tframe& f) {
     reportmin(s, 1);
     return;
   }
-  f.loopcondition = allconditionstrue(s);
+  f.loopcondition = allconditionstrue(s) && !bodyless(s, start);
   while (f.loopcondition && !s.halted) {
     s.line = start;
     newlocal(s, "condition", "1");
@@ -219,7 +223,7 @@ void repeatloop(tscript& s, tframe& f) {
       reportmin(s, 1);
       return;
     }
-    f.loopcondition = allconditionstrue(s);
+    f.loopcondition = allconditionstrue(s) || bodyless(s, start);
   } while (!f.loopcondition && !s.halted);
   s.line = start;
   newlocal(s, "condition", "0");
