@@ -14,6 +14,8 @@ const std::vector<tcommandfamily>& commandfamilies() {
       iocommands(),
       tablecommands(),
       textcommands(),
+      listcommands(),
+      stackcommands(),
       // The library families stand above this line; the workspaces and the field
       // families follow them in this order.
       workspacecommands(),

@@ -11,6 +11,8 @@ tcommandfamily subprogramcommands();
 tcommandfamily iocommands();
 tcommandfamily tablecommands();
 tcommandfamily textcommands();
+tcommandfamily listcommands();
+tcommandfamily stackcommands();
 // The global clear, clean, new and dump; library families register before them.
 tcommandfamily workspacecommands();
 tcommandfamily imagecommands();

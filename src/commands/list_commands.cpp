@@ -1,0 +1,197 @@
+// Lists: a workspace of named lists of numbers, vectors or short texts, their elements,
+// cursor, files and statistics.
+#include <algorithm>
+#include <vector>
+
+#include "commands/families.h"
+#include "commands/workspace_handlers.h"
+#include "library/list.h"
+#include "script/registry.h"
+#include "script/values.h"
+#include "shell/console.h"
+
+namespace {
+
+constexpr auto& W = listworkspace;
+
+tlist& current() { return currentlist(); }
+
+// The name left of ":=", taken from the engine so that it stores nothing: the result
+// lives in the workspace, under that name (DEFAULT without one).
+utf16 takeassignment(tscript& s) {
+  const utf16 name = gettarget(s);
+  settarget(s, utf16());
+  return name;
+}
+
+void use(tscript& s) {
+  if (!checkparams(s, 1)) return;
+  workspaceuse(W, param(s, 1));
+  println("Use list: " + W.names.getchecked(W.index) + " (" + nattext(listlength(current())) + ")");
+}
+
+void value(tscript& s) {
+  if (checkparams(s, 1)) current().value = param(s, 1);
+}
+
+void background(tscript& s) {
+  if (checkparams(s, 1)) listsetbackground(current(), param(s, 1));
+}
+
+void iflist(tscript& s) { setresult(s, listlength(current()) > 0 ? "1" : "0"); }
+
+void length(tscript& s) { setresult(s, nattext(listlength(current()))); }
+
+void clear(tscript& s) {
+  if (checkparams(s, 0)) fieldcreate(current(), listkind(current()));
+}
+
+// n elements of the list's value, in the kind for new lists; none gives an empty list.
+void newlist(tscript& s) {
+  if (paramcount(s) > 1) return reportmax(s, 1);
+  listnew(current(), W.defaultkind, textnat(optparam(s, 1)));
+}
+
+void load(tscript& s) {
+  if (checkparams(s, 1)) listload(current(), param(s, 1));
+}
+
+void save(tscript& s) {
+  if (checkparams(s, 1)) listsave(current(), param(s, 1));
+}
+
+// Up to 99 list names and the file name last; names beyond the 99th are passed over.
+void savetable(tscript& s) {
+  const int64_t n = paramcount(s);
+  if (n < 2) return reportmin(s, 2);
+  std::vector<const tlist*> lists;
+  for (int64_t i = 1; i <= std::min<int64_t>(n - 1, 99); ++i) {
+    const utf16 name = param(s, i);
+    if (const tlist* l = workspaceentry(W, workspacefind(ready(W), name)))
+      lists.push_back(l);
+    else
+      println("Unknown list (" + name + ") ignored!");
+  }
+  listsavetable(lists, param(s, n));
+}
+
+void copy(tscript& s) {
+  const tlist& from = current();
+  if (tlist* to = workspacetarget(W, takeassignment(s))) listcopy(from, *to);
+}
+
+void flip(tscript& s) {
+  if (checkparams(s, 0)) listflip(current());
+}
+
+void push(tscript& s) {
+  if (paramcount(s) < 1) return reportmin(s, 1);
+  std::vector<utf16> texts;
+  for (int64_t i = 1; i <= paramcount(s); ++i) texts.push_back(param(s, i));
+  listadd(current(), texts);
+}
+
+void pop(tscript& s) {
+  utf16 last;
+  listpop(current(), last);
+  setresult(s, last);
+}
+
+enum class tmove { first, next, before, last };
+
+template <tmove move>
+void cursor(tscript& s) {
+  if (!checkparams(s, 0)) return;
+  tlist& l = current();
+  switch (move) {
+    case tmove::first: listmovecursor(l, 1); break;
+    case tmove::next: listmovecursor(l, l.cursor + 1); break;
+    case tmove::before: listmovecursor(l, l.cursor - 1); break;
+    case tmove::last: listmovecursor(l, listlength(l)); break;
+  }
+}
+
+// No parameter: the element at the cursor; else the elements of the indices, by tabs.
+void get(tscript& s) {
+  const tlist& l = current();
+  if (paramcount(s) == 0) return setresult(s, listget(l, l.cursor));
+  utf16 out;
+  for (int64_t i = 1; i <= paramcount(s); ++i) {
+    if (i > 1) appendchar(out, '\t');
+    append(out, listget(l, textnat(param(s, i))));
+  }
+  setresult(s, out);
+}
+
+template <bool largest>
+void extreme(tscript& s) {
+  if (checkparams(s, 0)) setresult(s, largest ? listmax(current()) : listmin(current()));
+}
+
+void smooth(tscript& s) {
+  if (paramcount(s) > 1) return reportmax(s, 1);
+  listsmooth(current(), paramcount(s) == 0 ? 1 : textnat(param(s, 1)));
+}
+
+void outlierfactorcmd(tscript& s) {
+  if (checkparams(s, 1)) outlierfactor = textreal(param(s, 1));
+}
+
+void outlier(tscript& s) {
+  if (!checkparams(s, 0)) return;
+  const tlist& l = current();
+  if (tlist* to = workspacetarget(W, takeassignment(s))) listoutliers(l, l, *to);
+}
+
+void outlierbaseline(tscript& s) {
+  if (!checkparams(s, 1)) return;
+  const utf16 name = takeassignment(s);
+  const tlist& l = current();
+  const tlist* baseline = workspaceoperand(s, W, param(s, 1));
+  if (!baseline) return;
+  if (tlist* to = workspacetarget(W, name)) listoutliers(l, *baseline, *to);
+}
+
+using enum tcommandkind;
+const tcommand rows[] = {
+    {"list.nat", k1, defaultkindcmd<W, list_nat>, nullptr, "list.nat // lists made from now on hold integers"},
+    {"list.real", k1, defaultkindcmd<W, list_real>, nullptr, "list.real // lists made from now on hold reals (default)"},
+    {"list.complex", k1, defaultkindcmd<W, list_complex>, nullptr, "list.complex // lists made from now on hold <x, y>"},
+    {"list.vector", k1, defaultkindcmd<W, list_vector>, nullptr, "list.vector // lists made from now on hold <x, y, z>"},
+    {"list.hyper", k1, defaultkindcmd<W, list_hyper>, nullptr, "list.hyper // lists made from now on hold <x, y, z, w>"},
+    {"list.chars", k1, defaultkindcmd<W, list_chars>, nullptr, "list.chars // lists made from now on hold texts of 7 characters"},
+    {"list.value", k1, value, nullptr, "list.value 0 // the value of the elements that list.new makes"},
+    {"list.background", k1, background, nullptr, "list.background -1 // the value read outside the list"},
+    {"list.use", k1, use, nullptr, "list.use \"heights\" // use the list of that name, a new one if needed"},
+    {"list.swap", k1, swapcmd<W>, nullptr, "list.swap \"a\" \"b\" // swap the names of two lists"},
+    {"list.name", k1, namecmd<W>, nullptr, "list.name \"heights\" // rename the current list"},
+    {"list.dump", k1, dumpcmd<W>, nullptr, "list.dump // dump the list workspace"},
+    {"list.iflist", k2, iflist, nullptr, "a := list.iflist // 1 when the list has elements"},
+    {"list.length", k4, length, nullptr, "a := list.length // number of elements"},
+    {"list.size", k4, length, nullptr, "a := list.size // same as list.length"},
+    {"list.clear", k1, clear, nullptr, "list.clear // empty the list"},
+    {"list.clean", k1, clear, nullptr, "list.clean // same as list.clear"},
+    {"list.new", k1, newlist, nullptr, "list.new 10 // new list of 10 elements of the list value"},
+    {"list.load", k1, load, nullptr, "list.load \"values.txt\" // read one value a line"},
+    {"list.save", k1, save, nullptr, "list.save \"values.txt\" // write one value a line"},
+    {"list.save.table", k1, savetable, nullptr, "list.save.table \"a\" \"b\" \"table.txt\" // lists side by side as columns, the file last"},
+    {"list.copy", k2, copy, nullptr, "new := list.copy // copy of the list under a new name"},
+    {"list.flip", k1, flip, nullptr, "list.flip // reverse the order"},
+    {"list.push", k1, push, nullptr, "list.push 1 2 3 // append the values"},
+    {"list.pop", k2, pop, nullptr, "a := list.pop // remove the last element and return it"},
+    {"list.first", k1, cursor<tmove::first>, nullptr, "list.first // cursor to the first element"},
+    {"list.next", k1, cursor<tmove::next>, nullptr, "list.next // cursor to the next element"},
+    {"list.before", k1, cursor<tmove::before>, nullptr, "list.before // cursor to the element before"},
+    {"list.last", k1, cursor<tmove::last>, nullptr, "list.last // cursor to the last element"},
+    {"list.get", k2, get, nullptr, "a := list.get 2 4 // elements 2 and 4 with a tab; no parameter: at the cursor"},
+    {"list.min", k2, extreme<false>, nullptr, "a := list.min // smallest element"},
+    {"list.max", k2, extreme<true>, nullptr, "a := list.max // largest element"},
+    {"list.smooth", k1, smooth, nullptr, "list.smooth 2 // passes of 1-2-1 smoothing"},
+    {"list.outlier.factor", k1, outlierfactorcmd, nullptr, "list.outlier.factor 1.5 // outliers lie beyond median +/- factor * |q75 - q25|"},
+    {"list.outlier", k2, outlier, nullptr, "new := list.outlier // list of 1 for each outlier, 0 else"},
+    {"list.outlier.baseline", k2, outlierbaseline, nullptr, "new := list.outlier.baseline \"base\" // the same against the band of another list"},
+};
+
+}  // namespace
+
+tcommandfamily listcommands() { return {"", rows}; }
