@@ -24,12 +24,12 @@ std::string parentdir(const std::string& path) {
 }
 
 const char* classline(int code) {
-  if (code <= 1) return "???-Error";
+  if (code <= 1) return "?\?\?-Error";
   if (code <= 17) return "DOS-Error";
-  if (code <= 99) return "???-Error";
+  if (code <= 99) return "?\?\?-Error";
   if (code <= 106) return "I/O-Error";
   if (code >= 150 && code <= 162) return "Fatal-Error";
-  return "???-Error";
+  return "?\?\?-Error";
 }
 
 const char* explanation(int code) {
