@@ -86,6 +86,8 @@ utf16 preparedline(const tscript& s, int64_t n) {
 
 namespace {
 
+constexpr int64_t maxlevel = 1000;
+
 // The line cut into its first word (lower case) and the rest, with the one-line forms applied.
 void cutstatement(const tframe& frame, const utf16& text, utf16& keyword, utf16& rest, bool onelineforms) {
   rest = text;
@@ -99,6 +101,8 @@ int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
   frame.execute = execute;
   frame.storefile = storefile;
   ++s.level;
+  // Each level holds a frame on the machine's stack: endless recursion must stop as an error.
+  if (s.level > maxlevel && !s.halted) reporterror(s, utf16("Too many nested blocks (" + std::to_string(s.level) + ")!"));
   for (;;) {
     // The count is read each time: an include makes the store grow under the loop.
     if (line >= linecount(s.store) || s.halted) return line;
