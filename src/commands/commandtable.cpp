@@ -19,6 +19,7 @@ const std::vector<tcommandfamily>& commandfamilies() {
       // The library families stand above this line; the workspaces and the field
       // families follow them in this order.
       workspacecommands(),
+      imagelibrarycommands(),
       imagecommands(),
       scalarcommands(),
       vectorcommands(),

@@ -15,6 +15,8 @@ tcommandfamily listcommands();
 tcommandfamily stackcommands();
 // The global clear, clean, new and dump; library families register before them.
 tcommandfamily workspacecommands();
+// freeimage.* and imagemagick.*: global names behind the workspace ones.
+tcommandfamily imagelibrarycommands();
 tcommandfamily imagecommands();
 tcommandfamily scalarcommands();
 tcommandfamily vectorcommands();

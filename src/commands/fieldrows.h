@@ -10,6 +10,9 @@
 #include "commands/spatial_handlers.h"
 #include "commands/workspace_handlers.h"
 
+// The image family's files, pixels and tests (image_file_commands.cpp).
+std::span<const tcommand> imagefilerows();
+
 std::vector<tcommand> prefixed(const char* prefix, std::initializer_list<std::span<const tcommand>> parts);
 
 // use, swap, name, dump, clear and clean: what every workspace has.

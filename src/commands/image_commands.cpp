@@ -31,6 +31,6 @@ const tcommand imagerows[] = {
 
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
-      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, spatialrows<imageworkspace>()});
+      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), spatialrows<imageworkspace>()});
   return {"image.", rows};
 }

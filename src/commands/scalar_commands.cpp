@@ -1,6 +1,7 @@
 // The scalar family: workspace, place in space and the bit level of new volumes.
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/scalar_rows.h"
 #include "field/workspaces.h"
 
 namespace {
@@ -30,6 +31,7 @@ const tcommand scalarrows[] = {
 
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
-      prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>()});
+      prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
+                           scalarfieldrows(), scalarfilerows()});
   return {"scalar.", rows};
 }

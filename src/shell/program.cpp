@@ -7,6 +7,7 @@
 #include "commands/commandtable.h"
 #include "library/table.h"
 #include "field/workspaces.h"
+#include "formats/imagelibs.h"
 #include "script/run.h"
 #include "script/tscript.h"
 #include "script/variables.h"
@@ -79,8 +80,12 @@ void declareoptions(bool& first, utf16& macro) {
   macro = opttext(options, "macro", "voxmill.macro", "macro file");
   declaregroup("Input Options", inputoptions, false);
   section(options, "Image options");
-  optbool(options, "freeimage", true, "use FreeImage where it is installed");
-  optbool(options, "imagemagick", true, "use ImageMagick where it is installed");
+  // The libraries are searched before their options, whose lines show their versions.
+  imagelibrariesopen();
+  const std::string fistatus = imagelibrarystatus(freeimage), imstatus = imagelibrarystatus(imagemagick);
+  imagelibraryenable(freeimage, optbool(options, "freeimage", true, fistatus.empty() ? "use FreeImage where it is installed" : fistatus));
+  imagelibraryenable(imagemagick,
+                     optbool(options, "imagemagick", true, imstatus.empty() ? "use ImageMagick where it is installed" : imstatus));
   declaregroup("Transformation Options", transformoptions, false);
   declaregroup("Output Options", outputoptions, true);
 }
@@ -134,6 +139,7 @@ int runprogram(int argc, char** argv) {
   runscript(script);
   workspacerelease(tableworkspace);
   releaseworkspaces();
+  imagelibrariesclose();
   script = tscript();
   flushconsole();
   logclose();

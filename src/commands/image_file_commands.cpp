@@ -1,0 +1,138 @@
+// Image files and pixels: load, the forced loaders, save, value, background, the two
+// tests, and the global switches of the optional image libraries.
+#include "commands/families.h"
+#include "commands/fieldrows.h"
+#include "field/workspaces.h"
+#include "formats/bmp.h"
+#include "formats/imagefile.h"
+#include "formats/imagelibs.h"
+#include "formats/imgf.h"
+#include "formats/pnm.h"
+#include "formats/raw.h"
+#include "formats/rgb.h"
+#include "library/filelist.h"
+#include "shell/console.h"
+
+namespace {
+
+// A name with wildcards stands for the first file it finds.
+utf16 filename(const utf16& given) {
+  if (poschar('*', given) == 0 && poschar('?', given) == 0) return given;
+  tfilelist list;
+  filelistnew(list, given);
+  return list.entries.empty() ? given : list.entries.front().name;
+}
+
+// The name of the one parameter; empty (and nothing to do) for a wrong count or no name.
+utf16 nameparam(tscript& s) {
+  if (!checkparams(s, 1)) return utf16();
+  return filename(param(s, 1));
+}
+
+void loadcmd(tscript& s) {
+  const utf16 name = nameparam(s);
+  if (!empty(name)) imageload(currentfield(imageworkspace), name, imageworkspace.defaultkind);
+}
+
+// The forced loaders: the reader without the libraries, into a field of the bit level.
+template <bool (*reader)(timagefield&, const utf16&)>
+void forcedcmd(tscript& s) {
+  const utf16 name = nameparam(s);
+  if (empty(name)) return;
+  timagefield& f = currentfield(imageworkspace);
+  fieldcreate(f, imageworkspace.defaultkind);
+  if (f.kind == 0) return;
+  println("Read file (" + shortname(name) + ").");
+  if (!reader(f, name) || fieldempty(f)) {
+    fieldcreate(f, f.kind);
+    f.name = utf16();
+  }
+}
+
+void loadrawcmd(tscript& s) {
+  if (!checkparams(s, 4)) return;
+  const utf16 name = filename(param(s, 1));
+  if (empty(name)) return;
+  const int64_t header = textnat(param(s, 2)), w = textnat(param(s, 3)), h = textnat(param(s, 4));
+  timagefield& f = currentfield(imageworkspace);
+  fieldcreate(f, imageworkspace.defaultkind);
+  if (f.kind == 0) return;
+  println("Read file (" + shortname(name) + ").");
+  if (!rawread(f, name, header, w, h) || fieldempty(f)) {
+    fieldcreate(f, f.kind);
+    f.name = utf16();
+  }
+}
+
+void savecmd(tscript& s) {
+  if (!checkparams(s, 1)) return;
+  const utf16 name = param(s, 1);
+  if (!empty(name)) imagesave(currentfield(imageworkspace), name);
+}
+
+void ifimagefunc(tscript& s) {
+  setresult(s, fieldempty(currentfield(imageworkspace)) ? utf16() : utf16("1"));
+}
+
+void ifplainfunc(tscript& s) { setresult(s, imageplain(currentfield(imageworkspace)) ? utf16("1") : utf16()); }
+
+// One parameter: a colour when it holds a blank, comma or semicolon, a number otherwise;
+// two: colour and alpha.
+template <bool background>
+void colourcmd(tscript& s) {
+  const int64_t n = paramcount(s);
+  if (n < 1) {
+    reportmin(s, 1);
+    return;
+  }
+  if (n > 2) {
+    reportmax(s, 2);
+    return;
+  }
+  timagefield& f = currentfield(imageworkspace);
+  const utf16 first = param(s, 1);
+  const bool colour = n == 2 || poschar(' ', first) > 0 || poschar(',', first) > 0 || poschar(';', first) > 0;
+  if (!colour) {
+    const double v = textreal(first);
+    background ? setbackground(f, v) : setvaluevalue(f, v);
+    return;
+  }
+  const tvector c = textvector(first);
+  const trgb rgb{clampround(c[0], 255), clampround(c[1], 255), clampround(c[2], 255)};
+  const int64_t alpha = n == 2 ? clampround(textreal(param(s, 2)), 255) : -1;
+  background ? setbackgroundrgb(f, rgb, alpha) : setvaluergb(f, rgb, alpha);
+}
+
+template <timagelibrary& L, bool on>
+void librarycmd(tscript& s) {
+  if (checkparams(s, 0)) imagelibraryenable(L, on);
+}
+
+using enum tcommandkind;
+const tcommand filerows[] = {
+    {"load", k1, loadcmd, nullptr, "load \"name.ppm\" // read an image at the bit level set (FreeImage, ImageMagick, own code)"},
+    {"loadpnm", k1, forcedcmd<pnmread>, nullptr, "loadpnm \"name.pgm\" // read PBM, PGM, PPM or PAM by the own reader"},
+    {"loadbmp", k1, forcedcmd<bmpread>, nullptr, "loadbmp \"name.bmp\" // read a BMP by the own reader"},
+    {"loadimgf", k1, forcedcmd<imgfread>, nullptr, "loadimgf \"name.imgf\" // read a GE Signa image"},
+    {"loadrgb", k1, forcedcmd<rgbread>, nullptr, "loadrgb \"name.rgb\" // read the own RGB format"},
+    {"loadraw", k1, loadrawcmd, nullptr,
+     "loadraw \"name.raw\" header x y // headerless colour of 2, 3 or 4 bytes a pixel, told by the file size"},
+    {"save", k1, savecmd, nullptr, "save \"name.png\" // write by the extension: PNM, PAM, BMP, TGA, TIF, RGB, PNG"},
+    {"ifimage", k4, ifimagefunc, nullptr, "ifimage // true, if the image has a size bigger than 0x0"},
+    {"ifplain", k4, ifplainfunc, nullptr, "ifplain // true, if all pixels are equal"},
+    {"value", k1, colourcmd<false>, nullptr, "value v // or <r, g, b> [alpha]: the value drawing writes"},
+    {"background", k1, colourcmd<true>, nullptr, "background v // or <r, g, b> [alpha]: the value outside the image"},
+};
+
+const tcommand libraryrows[] = {
+    {"imagemagick.enable", k1, librarycmd<imagemagick, true>, nullptr, "imagemagick.enable // use ImageMagick where it is installed"},
+    {"imagemagick.disable", k1, librarycmd<imagemagick, false>, nullptr, "imagemagick.disable // do without ImageMagick"},
+    {"freeimage.enable", k1, librarycmd<freeimage, true>, nullptr, "freeimage.enable // use FreeImage where it is installed"},
+    {"freeimage.disable", k1, librarycmd<freeimage, false>, nullptr, "freeimage.disable // do without FreeImage"},
+};
+
+}  // namespace
+
+std::span<const tcommand> imagefilerows() { return filerows; }
+
+tcommandfamily imagelibrarycommands() { return {"", libraryrows}; }

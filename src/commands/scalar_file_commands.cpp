@@ -1,0 +1,73 @@
+// The scalar field's files: loading, saving, headers, appending and label files.
+#include "commands/fieldrows.h"
+#include "commands/scalar_rows.h"
+#include "field/workspaces.h"
+#include "formats/scalarfile.h"
+
+namespace {
+
+tscalarfield& current() { return currentfield(scalarworkspace); }
+uint8_t loadkind() { return scalarworkspace.defaultkind; }
+
+void loadcmd(tscript& s) {
+  if (checkparams(s, 1)) scalarload(current(), loadkind(), param(s, 1));
+}
+
+void loadvolumecmd(tscript& s) {
+  if (checkparams(s, 1)) scalarloadnifti(current(), loadkind(), param(s, 1));
+}
+
+void loadscalecmd(tscript& s) {
+  if (checkparams(s, 2)) scalarloadscale(current(), loadkind(), param(s, 1), textvector(param(s, 2)));
+}
+
+void propertiescmd(tscript& s) {
+  if (checkparams(s, 1)) scalarloadproperties(current(), param(s, 1));
+}
+
+template <bool center>
+void appendcmd(tscript& s) {
+  if (checkparams(s, 1)) scalarappend(current(), param(s, 1), center);
+}
+
+void savecmd(tscript& s) {
+  if (checkparams(s, 1)) scalarsave(current(), param(s, 1));
+}
+
+void infocmd(tscript& s) {
+  const int64_t n = paramcount(s);
+  if (n < 1) return reportmin(s, 1);
+  if (n > 2) return reportmax(s, 2);
+  scalarinfo(param(s, 1), optparam(s, 2));
+}
+
+void loadlabelscmd(tscript& s) {
+  if (checkparams(s, 1)) labelload(current(), param(s, 1));
+}
+
+void savelabelscmd(tscript& s) {
+  if (checkparams(s, 1)) labelsave(current(), param(s, 1));
+}
+
+using enum tcommandkind;
+const tcommand rows[] = {
+    {"load", k1, loadcmd, nullptr, "load \"name\" // volume by extension (nii, nii.gz, hdr, img), else a stack of images (*.png)"},
+    {"load.hdr", k1, loadvolumecmd, nullptr, "load.hdr \"name\" // HDR (IMG)           : Analyze 7.5"},
+    {"loadhdr", k1, loadvolumecmd, nullptr, ""},
+    {"load.nii", k1, loadvolumecmd, nullptr, "load.nii \"name\" // NIfTI-1 in one file"},
+    {"loadnii", k1, loadvolumecmd, nullptr, ""},
+    {"load.nii.gz", k1, loadvolumecmd, nullptr, "load.nii.gz \"name\" // NIfTI-1, gzip compressed"},
+    {"loadnii.gz", k1, loadvolumecmd, nullptr, ""},
+    {"load.scale", k1, loadscalecmd, nullptr, "load.scale \"*.png\" <x, y, z> // stack of images with this voxel size"},
+    {"load.properties", k1, propertiescmd, nullptr, "load.properties \"name\" // only offset and matrix of the file"},
+    {"append", k1, appendcmd<false>, nullptr, "append \"name\" // merge a file into the field through global space"},
+    {"appendcenter", k1, appendcmd<true>, nullptr, "appendcenter \"name\" // the same, both centres on one another"},
+    {"save", k1, savecmd, nullptr, "save \"name\" // nii, nii.gz, hdr, or one image a slice (name_001.png)"},
+    {"info", k1, infocmd, nullptr, "info \"name\" \"out.txt\" // header as text, to the log or into a file"},
+    {"load.labels", k1, loadlabelscmd, nullptr, "load.labels \"name\" // maximal 0-999 labels"},
+    {"save.labels", k1, savelabelscmd, nullptr, "save.labels \"name\" // maximal 0-999 labels"},
+};
+
+}  // namespace
+
+std::span<const tcommand> scalarfilerows() { return rows; }

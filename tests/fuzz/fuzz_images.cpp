@@ -1,0 +1,50 @@
+// Feeds arbitrary bytes as a raster file through the own readers. The first byte picks the
+// reader (PNM, BMP, own RGB, IMGF, raw) and the kind of the field it reads into; the rest
+// is the file. A reader must end with a field that is either empty or whole.
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "field/imagefield.h"
+#include "formats/bmp.h"
+#include "formats/imgf.h"
+#include "formats/pnm.h"
+#include "formats/raw.h"
+#include "formats/rgb.h"
+#include "shell/console.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size < 1) return 0;
+  consoleon = false;
+  setfieldmemorylimit(int64_t{1} << 30);
+  static const uint8_t kinds[] = {imagegray, imagefullgray, imagergb, imagergba, imagezrgb};
+  const uint8_t kind = kinds[(data[0] >> 4) % 5];
+  const int reader = data[0] % 5;
+  static const char* const endings[] = {".pnm", ".bmp", ".rgb", ".imgf", ".raw"};
+  const std::string name = "/tmp/voxmill-fuzz-" + std::to_string(getpid()) + endings[reader];
+  if (FILE* f = std::fopen(name.c_str(), "wb")) {
+    std::fwrite(data + 1, 1, size - 1, f);
+    std::fclose(f);
+  }
+  timagefield field{};
+  fieldcreate(field, kind);
+  const utf16 file = utf16fromutf8(name);
+  switch (reader) {
+    case 0: pnmread(field, file); break;
+    case 1: bmpread(field, file); break;
+    case 2: rgbread(field, file); break;
+    case 3: imgfread(field, file); break;
+    case 4: rawread(field, file, size > 1 ? data[1] % 16 : 0, size > 2 ? data[2] % 64 : 0, size > 3 ? data[3] % 64 : 0); break;
+  }
+  // Every plane of the kind has the field's size, or the field is empty.
+  const tnatvector s = fieldsize(field);
+  eachstorage(field, [&](const auto& a) {
+    if (fieldcount(s[0], s[1]) > 0 && a.length != fieldcount(s[0] * supersampling(field), s[1] * supersampling(field)))
+      __builtin_trap();
+  });
+  fieldrelease(field);
+  std::remove(name.c_str());
+  return 0;
+}

@@ -1,0 +1,500 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "field/memory.h"
+#include "field/scalarfield.h"
+#include "formats/gzip.h"
+#include "formats/nifti.h"
+#include "formats/niftiheader.h"
+#include "formats/niftiraw.h"
+#include "shell/console.h"
+
+namespace {
+
+std::string text(const utf16& t) { return utf16toutf8(t); }
+
+template <class Work>
+std::vector<std::string> printed(Work work) {
+  testing::internal::CaptureStdout();
+  work();
+  std::vector<std::string> lines;
+  std::string all = testing::internal::GetCapturedStdout(), line;
+  for (const char c : all) {
+    if (c == '\n') {
+      lines.push_back(line);
+      line.clear();
+    } else if (c == '\r') {
+      line.clear();  // a progress line
+    } else {
+      line += c;
+    }
+  }
+  return lines;
+}
+
+// Tests run side by side in processes of their own: each has its own files.
+std::string path(const std::string& name) {
+  return testing::TempDir() + "voxmill_nifti_" + testing::UnitTest::GetInstance()->current_test_info()->name() + "_" +
+         name;
+}
+
+void writebytes(const std::string& name, const std::string& bytes) {
+  std::ofstream(name, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::string readbytes(const std::string& name) {
+  std::ifstream in(name, std::ios::binary);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+tniftiheader header(int datatype, int bitpix, int x, int y, int z) {
+  tniftiheader h{};
+  h.sizeof_hdr = 348;
+  h.dim[0] = 3;
+  h.dim[1] = static_cast<int16_t>(x), h.dim[2] = static_cast<int16_t>(y), h.dim[3] = static_cast<int16_t>(z);
+  h.datatype = static_cast<int16_t>(datatype);
+  h.bitpix = static_cast<int16_t>(bitpix);
+  h.pixdim[0] = h.pixdim[1] = h.pixdim[2] = h.pixdim[3] = 1;
+  h.vox_offset = 352;
+  std::memcpy(h.magic, "n+1", 4);
+  return h;
+}
+
+template <class T>
+std::string payload(const std::vector<T>& values) {
+  return std::string(reinterpret_cast<const char*>(values.data()), values.size() * sizeof(T));
+}
+
+std::string single(const tniftiheader& h, const std::string& data) {
+  return std::string(reinterpret_cast<const char*>(&h), 348) + std::string(4, '\0') + data;
+}
+
+// A field that releases itself.
+struct tfield {
+  tscalarfield f{};
+  ~tfield() { fieldrelease(f); }
+  std::vector<int64_t> values() const {
+    std::vector<int64_t> v;
+    const tnatvector s = fieldsize(f);
+    for (int64_t z = 1; z <= s[2]; ++z)
+      for (int64_t y = 1; y <= s[1]; ++y)
+        for (int64_t x = 1; x <= s[0]; ++x) v.push_back(getvalue(f, x, y, z));
+    return v;
+  }
+};
+
+class Nifti : public testing::Test {
+ protected:
+  void SetUp() override { interactive = false; }
+  void TearDown() override { setfieldmemorylimit(0); }
+
+  // Writes a single file of n voxels in a row and loads it; the console lines are kept.
+  template <class T>
+  std::vector<int64_t> load(int datatype, int bitpix, const std::vector<T>& v, uint8_t kind, int64_t add = 0,
+                            int64_t mul = 1, float calmin = 0, float calmax = 0) {
+    tniftiheader h = header(datatype, bitpix, static_cast<int>(v.size() * sizeof(T) * 8 / bitpix), 1, 1);
+    h.cal_min = calmin, h.cal_max = calmax;
+    writebytes(path("t.nii"), single(h, payload(v)));
+    lines = printed([&] { niftiload(field.f, kind, utf16(path("t.nii")), 1, add, mul); });
+    return field.values();
+  }
+  std::vector<int64_t> loadfile(const std::string& name, uint8_t kind, int64_t stack = 1) {
+    lines = printed([&] { niftiload(field.f, kind, utf16(name), stack, 0, 1); });
+    return field.values();
+  }
+  bool said(const std::string& line) const { return std::find(lines.begin(), lines.end(), line) != lines.end(); }
+
+  tfield field;
+  std::vector<std::string> lines;
+};
+
+using V = std::vector<int64_t>;
+
+TEST_F(Nifti, IntegersBecomeGrayByTheirTopByteWithSignedRangesFromZero) {
+  EXPECT_EQ(load(4, 16, std::vector<int16_t>{-32768, 0, 32767, -1, 256}, scalargray), (V{0, 128, 255, 127, 129}));
+  EXPECT_EQ(load(512, 16, std::vector<uint16_t>{0, 255, 256, 65535}, scalargray), (V{0, 0, 1, 255}));
+  EXPECT_EQ(load(256, 8, std::vector<int8_t>{-128, -1, 0, 127}, scalargray), (V{0, 127, 128, 255}));
+  EXPECT_EQ(load(2, 8, std::vector<uint8_t>{0, 7, 255}, scalargray), (V{0, 7, 255}));
+  EXPECT_EQ(load(768, 32, std::vector<uint32_t>{0xFFFFFFFF, 0x01000000, 0x00FFFFFF}, scalargray), (V{255, 1, 0}));
+  EXPECT_EQ(load(8, 32, std::vector<int32_t>{INT32_MIN, 0, INT32_MAX}, scalargray), (V{0, 128, 255}));
+  EXPECT_EQ(load(1024, 64, std::vector<int64_t>{INT64_MIN, -1, 0, INT64_MAX}, scalargray), (V{0, 127, 128, 255}));
+  EXPECT_EQ(load(1280, 64, std::vector<uint64_t>{UINT64_MAX, uint64_t{1} << 56}, scalargray), (V{255, 1}));
+}
+
+TEST_F(Nifti, IntegersBecomeFullgrayWithBytesKeptAsTheyAre) {
+  EXPECT_EQ(load(2, 8, std::vector<uint8_t>{0, 255}, scalarfullgray), (V{0, 255})) << "not spread to 16 bits";
+  EXPECT_EQ(load(256, 8, std::vector<int8_t>{-128, 0, 127}, scalarfullgray), (V{0, 128, 255}));
+  EXPECT_EQ(load(4, 16, std::vector<int16_t>{-32768, 0, 32767}, scalarfullgray), (V{0, 32768, 65535}));
+  EXPECT_EQ(load(512, 16, std::vector<uint16_t>{1, 65535}, scalarfullgray), (V{1, 65535}));
+  EXPECT_EQ(load(768, 32, std::vector<uint32_t>{0xFFFF0000, 0x0001FFFF}, scalarfullgray), (V{65535, 1}));
+  EXPECT_EQ(load(8, 32, std::vector<int32_t>{INT32_MIN, 0}, scalarfullgray), (V{0, 32768}));
+}
+
+TEST_F(Nifti, ColoursAreMeanedOnGrayAndSummedOnFullgray) {
+  const std::vector<uint8_t> rgb{10, 20, 31, 255, 255, 255};
+  EXPECT_EQ(load(128, 24, rgb, scalargray), (V{20, 255}));
+  EXPECT_EQ(load(128, 24, rgb, scalarfullgray), (V{61, 765})) << "byte colours keep their sum on words";
+  EXPECT_EQ(load(2304, 32, std::vector<uint8_t>{10, 20, 31, 0}, scalargray), (V{20})) << "alpha plays no part";
+  EXPECT_EQ(load(128, 24, std::vector<uint8_t>{128, 128, 127, 128, 128, 128}, scalarmono), (V{0, 1}));
+}
+
+TEST_F(Nifti, WordColoursOfTheRawReaderAreMeaned) {
+  const std::vector<uint16_t> rgb{1000, 2000, 3001, 60000, 60000, 60000};
+  writebytes(path("rgb.raw"), payload(rgb));
+  for (const auto& [kind, expected] : {std::pair{scalargray, V{255, 255}}, std::pair{scalarfullgray, V{2000, 60000}}}) {
+    tvoxelsource src{};
+    ASSERT_TRUE(sourceopen(src, utf16(path("rgb.raw")), true));
+    trawvolume r{};
+    r.code = 3024;
+    r.size = {2, 1, 1};
+    printed([&] { rawread(field.f, kind, src, r); });
+    sourceclose(src);
+    EXPECT_EQ(field.values(), expected);
+  }
+}
+
+TEST_F(Nifti, FloatsMapTheirCalibrationOrTheirFoundRange) {
+  EXPECT_EQ(load(16, 32, std::vector<float>{5, -3, 12, 0}, scalargray, 0, 1, 0, 10), (V{128, 0, 255, 0}))
+      << "127.5 rounds to even";
+  EXPECT_TRUE(said("  New min (0) max (10) values -> 0..255!"));
+  EXPECT_EQ(load(64, 64, std::vector<double>{-1, 1, 3}, scalarfullgray), (V{0, 32768, 65535}));
+  EXPECT_TRUE(said("  New min (-1) max (3) values -> 0..65535!"));
+  EXPECT_EQ(load(16, 32, std::vector<float>{7, 7, 7}, scalargray), (V{0, 0, 0}));
+  EXPECT_TRUE(said("  New min (7) max (7) values -> 0..255!")) << "the line stands when the range is empty";
+  EXPECT_EQ(load(64, 64, std::vector<double>{0, 1, 2, 3}, scalarmono), (V{0, 0, 1, 1}));
+  EXPECT_TRUE(said("  New min (0) max (3) values -> threshold=1.5!"));
+}
+
+TEST_F(Nifti, MonoTakesTheUpperHalfOfUnsignedAndThePositiveOfSigned) {
+  EXPECT_EQ(load(2, 8, std::vector<uint8_t>{127, 128}, scalarmono), (V{0, 1}));
+  EXPECT_EQ(load(512, 16, std::vector<uint16_t>{0x7FFF, 0x8000}, scalarmono), (V{0, 1}));
+  EXPECT_EQ(load(768, 32, std::vector<uint32_t>{0x7FFFFFFF, 0x80000000}, scalarmono), (V{0, 1}));
+  EXPECT_EQ(load(4, 16, std::vector<int16_t>{-5, 0, 1}, scalarmono), (V{0, 0, 1}));
+  // Nine voxels cross a byte of the packed store.
+  EXPECT_EQ(load(2, 8, std::vector<uint8_t>{255, 0, 255, 0, 255, 0, 255, 0, 255}, scalarmono),
+            (V{1, 0, 1, 0, 1, 0, 1, 0, 1}));
+}
+
+TEST_F(Nifti, TheLoadFilterAddsThenMultipliesOrDividesTowardZero) {
+  EXPECT_EQ(load(4, 16, std::vector<int16_t>{10, -10, 7}, scalarfullgray, 0, -2), (V{5, 0, 3}));
+  EXPECT_EQ(load(4, 16, std::vector<int16_t>{10, -10, 7}, scalarfullgray, 100, 2), (V{220, 180, 214}));
+  EXPECT_EQ(load(512, 16, std::vector<uint16_t>{1000, 2000}, scalargray, -900, 1), (V{100, 255}));
+  EXPECT_EQ(load(16, 32, std::vector<float>{2.5F, -1, 2.25F}, scalargray, 1, 2), (V{7, 0, 6}));
+  EXPECT_EQ(load(4, 16, std::vector<int16_t>{1, 3}, scalarmono, 0, -2), (V{0, 1})) << "1 div 2 is 0";
+  EXPECT_EQ(load(512, 16, std::vector<uint16_t>{1, 0}, scalarmono, 0, 2), (V{1, 0}))
+      << "a filtered unsigned voxel is set when positive";
+}
+
+TEST_F(Nifti, ExtendedRealsOfTheRawReader) {
+  // 1.5, -2 and 100.25 as 80-bit numbers: mantissa with its integer bit, exponent biased by 16383.
+  const auto extended = [](double v) {
+    int e = 0;
+    const double m = std::frexp(std::fabs(v), &e);
+    const auto mantissa = static_cast<uint64_t>(std::ldexp(m, 64));
+    std::string b(10, '\0');
+    std::memcpy(b.data(), &mantissa, 8);
+    const int biased = e - 1 + 16383 + (v < 0 ? 0x8000 : 0);
+    b[8] = static_cast<char>(biased & 0xFF), b[9] = static_cast<char>(biased >> 8);
+    return b;
+  };
+  writebytes(path("ext.raw"), extended(1.5) + extended(-2) + extended(100.25));
+  tvoxelsource src{};
+  ASSERT_TRUE(sourceopen(src, utf16(path("ext.raw")), true));
+  trawvolume r{};
+  r.code = 1080;
+  r.size = {3, 1, 1};
+  r.filteradd = 1;
+  printed([&] { rawread(field.f, scalargray, src, r); });
+  sourceclose(src);
+  EXPECT_EQ(field.values(), (V{2, 0, 101}));
+}
+
+TEST_F(Nifti, BigEndianFilesSwapNumbersButNotBytes) {
+  tniftiheader h = header(4, 16, 3, 1, 1);
+  swapheader(h);
+  const std::vector<uint8_t> be{0x80, 0x00, 0x00, 0x00, 0x7F, 0xFF};  // -32768, 0, 32767
+  writebytes(path("be.nii"), single(h, payload(be)));
+  EXPECT_EQ(loadfile(path("be.nii"), scalargray), (V{0, 128, 255}));
+  tniftiheader b = header(2, 8, 3, 1, 1);
+  b.pixdim[1] = 2.5F;
+  swapheader(b);
+  writebytes(path("be8.nii"), single(b, payload(std::vector<uint8_t>{1, 2, 3})));
+  EXPECT_EQ(loadfile(path("be8.nii"), scalarfullgray), (V{1, 2, 3}));
+  EXPECT_EQ(field.f.space.matrix[0][0], 2.5) << "floats of the header swap too";
+}
+
+TEST_F(Nifti, DataStartsAtByte352OrAtALargerVoxOffset) {
+  tniftiheader h = header(2, 8, 2, 1, 1);
+  h.vox_offset = 0;
+  writebytes(path("v0.nii"), single(h, "\x05\x06"));
+  EXPECT_EQ(loadfile(path("v0.nii"), scalargray), (V{5, 6}));
+  h.vox_offset = 400.4F;
+  writebytes(path("v400.nii"), single(h, std::string(48, '\x01') + "\x07\x08"));
+  EXPECT_EQ(loadfile(path("v400.nii"), scalargray), (V{7, 8}));
+}
+
+TEST_F(Nifti, TimeSeriesOfOneSliceMoveDownAndAStackIsChosen) {
+  tniftiheader h = header(2, 8, 1, 2, 2);
+  h.dim[0] = 4, h.dim[4] = 3;  // 1 x 2 x 2 x 3: becomes 2 x 2 x 3, one volume
+  writebytes(path("shift.nii"), single(h, "abcdefghijkl"));
+  EXPECT_EQ(loadfile(path("shift.nii"), scalargray).size(), 12u);
+  EXPECT_EQ(fieldsize(field.f), (tnatvector{2, 2, 3}));
+
+  h = header(2, 8, 2, 2, 1);
+  h.dim[0] = 4, h.dim[3] = 2, h.dim[4] = 3;  // three volumes of 2 x 2 x 2
+  std::string data;
+  for (char v : {'\x01', '\x02', '\x03'}) data += std::string(8, v);
+  writebytes(path("4d.nii"), single(h, data));
+  EXPECT_EQ(loadfile(path("4d.nii"), scalargray, 2), V(8, 2));
+  EXPECT_EQ(loadfile(path("4d.nii"), scalargray, -1), V(8, 3)) << "negative counts from the end";
+  EXPECT_EQ(loadfile(path("4d.nii"), scalargray, -7), V(8, 1)) << "below 1 is 1";
+  EXPECT_TRUE(loadfile(path("4d.nii"), scalargray, 4).empty());
+  EXPECT_TRUE(said("  Wrong selected stack 4 from [1..3]! Create empty field."));
+}
+
+TEST_F(Nifti, BadHeadersGiveOneLineAndAnEmptyField) {
+  const std::string data(64, '\x01');
+  struct tcase {
+    std::string name;
+    std::string bytes;
+    uint8_t kind;
+    std::string line;
+  };
+  std::vector<tcase> cases;
+  tniftiheader h = header(2, 8, 4, 4, 4);
+  cases.push_back({"short.nii", single(h, data).substr(0, 100), scalargray, "  Wrong header! Create empty field."});
+  h.sizeof_hdr = 540;
+  cases.push_back({"n2.nii", single(h, data), scalargray, "  Nifti-2 currently not supported! Create empty field."});
+  cases.push_back({"n2f.nii", single(h, data), scalarfullgray, "  Wrong header! Create empty field."});
+  h.sizeof_hdr = 1234;
+  cases.push_back({"size.nii", single(h, data), scalarmono, "  Wrong header! Create empty field."});
+  h = header(2, 8, -2, -3, 4);
+  cases.push_back({"neg.nii", single(h, data), scalargray, "  Bad dim size (3 <-2, -3, 4> 1 <0, 0, 0>)! Create empty field."});
+  h = header(2, 8, 4, 4, 4);
+  h.dim[0] = 9;
+  cases.push_back({"dim0.nii", single(h, data), scalargray, "  Bad dim size (9 <4, 4, 4> 1 <0, 0, 0>)! Create empty field."});
+  h = header(16, 16, 4, 4, 4);
+  cases.push_back({"type.nii", single(h, data), scalargray, "  Bad dim values! Create empty field."});
+  cases.push_back({"typef.nii", single(h, data), scalarfullgray, "  Bad datatype [16|16]! Create empty field."});
+  h = header(1, 1, 4, 4, 4);
+  cases.push_back({"bits.nii", single(h, data), scalarmono, "  Bad dim values! Create empty field."});
+  cases.push_back({"gz.nii.gz", std::string("\x1f\x8b\x08\x00garbage", 11), scalargray,
+                   "  Couldn't read File (" + path("gz.nii.gz") + ")! Create empty field."});
+  for (const tcase& c : cases) {
+    writebytes(path(c.name), c.bytes);
+    setvalue(field.f, 1, 1, 1, 1);
+    EXPECT_TRUE(loadfile(path(c.name), c.kind).empty()) << c.name;
+    EXPECT_EQ(field.f.kind, c.kind) << c.name;
+    ASSERT_FALSE(lines.empty()) << c.name;
+    EXPECT_EQ(lines.back(), c.line) << c.name;
+    EXPECT_EQ(lines.size(), 2u) << c.name << ": the read line and the message";
+  }
+  lines = printed([&] { niftiload(field.f, scalargray, utf16(path("missing.nii")), 1, 0, 1); });
+  EXPECT_EQ(lines, std::vector<std::string>{"  Couldn't read File (" + path("missing.nii") + ")! Create empty field."});
+}
+
+TEST_F(Nifti, ShortDataGivesAZeroFieldOfTheClaimedSizeOrNoneWhenItCannotBeHad) {
+  tniftiheader h = header(512, 16, 4, 2, 1);
+  h.vox_offset = 1e9F;
+  writebytes(path("past.nii"), single(h, std::string(16, '\x01')));
+  EXPECT_EQ(loadfile(path("past.nii"), scalarfullgray), V(8, 0));
+  EXPECT_TRUE(said("  Wrong file size! Header: 1000000000 +Dim: 8 *Bytes: 2"));
+
+  h = header(512, 16, 4, 2, 1);
+  writebytes(path("short.nii"), single(h, std::string(10, '\x01')));
+  EXPECT_EQ(loadfile(path("short.nii"), scalarfullgray), V(8, 0));
+  EXPECT_TRUE(said("  Calculated type (bytes):1.25"));
+
+  setfieldmemorylimit(int64_t{64} << 20);
+  h = header(2, 8, 30000, 30000, 30000);
+  writebytes(path("huge.nii"), single(h, std::string(600, '\x01')));
+  EXPECT_TRUE(loadfile(path("huge.nii"), scalargray).empty());
+  EXPECT_TRUE(said("  Wrong file size! Header: 352 +Dim: 27000000000000 *Bytes: 1"));
+  EXPECT_EQ(fieldsize(field.f), (tnatvector{0, 0, 0}));
+}
+
+TEST_F(Nifti, PairsReadHeaderAndDataApartAlsoCompressed) {
+  tniftiheader h = header(2, 8, 2, 2, 1);
+  h.vox_offset = 0;
+  std::memcpy(h.magic, "ni1", 4);
+  const std::string hdr(reinterpret_cast<const char*>(&h), 348);
+  writebytes(path("p.hdr"), hdr);
+  writebytes(path("p.img"), "\x01\x02\x03\x04");
+  EXPECT_EQ(loadfile(path("p.img"), scalargray), (V{1, 2, 3, 4}));
+  EXPECT_EQ(loadfile(path("p.hdr"), scalargray), (V{1, 2, 3, 4}));
+  std::string packed;
+  ASSERT_TRUE(gzipcompress(hdr, packed));
+  writebytes(path("q.hdr.gz"), packed);
+  ASSERT_TRUE(gzipcompress("\x05\x06\x07\x08", packed));
+  writebytes(path("q.img.gz"), packed);
+  EXPECT_EQ(loadfile(path("q.img.gz"), scalargray), (V{5, 6, 7, 8}));
+
+  writebytes(path("r.hdr"), hdr);
+  EXPECT_EQ(loadfile(path("r.hdr"), scalargray), V(4, 0));
+  EXPECT_TRUE(said("  Couldn't read File (" + path("r.img") + ")! Create field without values."));
+}
+
+TEST_F(Nifti, HeaderPlacesFieldsBySformThenQuaternionThenPixdim) {
+  tniftiheader h = header(2, 8, 1, 1, 1);
+  h.pixdim[1] = 2, h.pixdim[2] = 3, h.pixdim[3] = 4;
+  const float sx[4] = {0, -2, 0, 10}, sy[4] = {3, 0, 0, 20}, sz[4] = {0, 0, 4, 30};
+  std::memcpy(h.srow_x, sx, 16), std::memcpy(h.srow_y, sy, 16), std::memcpy(h.srow_z, sz, 16);
+  h.sform_code = 1;
+  tspatial s = headerspace(h);
+  EXPECT_EQ(s.matrix, (trows{tvector{0, 3, 0}, tvector{-2, 0, 0}, tvector{0, 0, 4}}));
+  EXPECT_EQ(s.offset, (tvector{10, 20, 30}));
+
+  h.sform_code = 0, h.qform_code = 1;
+  h.quatern_b = 0, h.quatern_c = 0, h.quatern_d = static_cast<float>(std::sqrt(0.5));  // 90 degrees about z
+  h.qoffset_x = 1, h.qoffset_y = 2, h.qoffset_z = 3;
+  s = headerspace(h);
+  EXPECT_NEAR(s.matrix[0][1], 2, 1e-6);
+  EXPECT_NEAR(s.matrix[1][0], -3, 1e-6);
+  EXPECT_NEAR(s.matrix[2][2], 4, 1e-6);
+  EXPECT_EQ(s.offset, (tvector{1, 2, 3}));
+
+  h.qform_code = 0;
+  s = headerspace(h);
+  EXPECT_EQ(s.matrix, (trows{tvector{2, 0, 0}, tvector{0, 3, 0}, tvector{0, 0, 4}}));
+  EXPECT_EQ(s.offset, (tvector{0, 0, 0}));
+
+  h.sform_code = 1;
+  std::memset(h.srow_y, 0, 16);
+  std::memset(h.srow_x, 0, 16);
+  std::memset(h.srow_z, 0, 16);
+  h.srow_x[3] = 5;
+  s = headerspace(h);
+  EXPECT_EQ(s.matrix, (trows{tvector{2, 0, 0}, tvector{0, 3, 0}, tvector{0, 0, 4}})) << "a zero axis: pixdim";
+  EXPECT_EQ(s.offset, (tvector{5, 0, 0})) << "the offset stays";
+  h.pixdim[2] = -3;
+  EXPECT_EQ(headerspace(h).matrix, identityrows()) << "pixdim of no volume: identity";
+}
+
+// Other readers scale the third quaternion axis by qfac (pixdim[0]); files of this
+// program's users expect qform_code there.
+TEST_F(Nifti, DeviationQformCodeMultipliesTheThirdAxisInsteadOfQfac) {
+  tniftiheader h = header(2, 8, 1, 1, 1);
+  h.pixdim[0] = -1;
+  h.qform_code = 2;
+  const tspatial s = headerspace(h);
+  EXPECT_EQ(s.matrix, (trows{tvector{1, 0, 0}, tvector{0, 1, 0}, tvector{0, 0, 2}}));
+}
+
+// The quaternion written is taken from the product of the diagonal, not the trace, and
+// without dividing the voxel size out: it matches the published formula only for unit
+// voxels without rotation.
+TEST_F(Nifti, DeviationWrittenQuaternionUsesTheDiagonalProduct) {
+  EXPECT_EQ(headerquaternion(identityrows()), (tvector{0, 0, 0}));
+  const tvector q = headerquaternion({tvector{0, 1, 0}, tvector{-1, 0, 0}, tvector{0, 0, 1}});
+  EXPECT_EQ(q, (tvector{0, 0, 1})) << "the published value is d = sqrt(0.5)";
+  EXPECT_EQ(headerquaternion({tvector{-1, 0, 0}, tvector{0, 1, 0}, tvector{0, 0, 1}}), (tvector{1, 0, 0}))
+      << "h = 0";
+  EXPECT_EQ(headerquaternion({tvector{2, 0, 0}, tvector{0, 2, 0}, tvector{0, 0, 2}}), (tvector{0, 0, 0}));
+}
+
+TEST_F(Nifti, WrittenVolumesReadBackWithTheirPlaceInSpace) {
+  for (const char* name : {"w.nii", "w.nii.gz", "w.hdr"}) {
+    for (uint8_t kind : {scalargray, scalarfullgray}) {
+      tfield source;
+      fieldcreate(source.f, kind, {3, 2, 2});
+      for (int64_t i = 1; i <= 12; ++i) setvalue(source.f, (i - 1) % 3 + 1, (i - 1) / 3 % 2 + 1, (i - 1) / 6 + 1, i * 20);
+      setmatrix(source.f.space, {tvector{0, 2, 0}, tvector{-1.5, 0, 0}, tvector{0, 0.5, 3}});
+      setoffset(source.f.space, {-10, 20.5, 3});
+      printed([&] { EXPECT_TRUE(niftisave(source.f, utf16(path(name)))); });
+      EXPECT_EQ(loadfile(path(name), kind), source.values()) << name;
+      EXPECT_EQ(field.f.space.matrix, source.f.space.matrix) << name;
+      EXPECT_EQ(field.f.space.offset, source.f.space.offset) << name;
+    }
+  }
+  tniftiheader h;
+  ASSERT_TRUE(niftiheaderread(utf16(path("w.nii.gz")), h));
+  EXPECT_EQ(h.datatype, 512);
+  EXPECT_EQ(h.bitpix, 16);
+  EXPECT_EQ(h.vox_offset, 352);
+  EXPECT_EQ(std::string(h.magic), "n+1");
+  EXPECT_EQ(h.pixdim[1], 2);
+  EXPECT_EQ(h.pixdim[3], std::sqrt(9.25F));
+  EXPECT_EQ(h.qform_code, 1);
+  EXPECT_EQ(h.sform_code, 1);
+  EXPECT_EQ(h.xyzt_units, 10);
+  EXPECT_EQ(h.srow_x[1], -1.5F);
+  ASSERT_TRUE(niftiheaderread(utf16(path("w.img")), h));
+  EXPECT_EQ(std::string(h.magic), "ni1");
+  EXPECT_EQ(h.vox_offset, 0);
+  EXPECT_EQ(readbytes(path("w.hdr")).size(), 348u);
+  EXPECT_EQ(readbytes(path("w.img")).size(), 24u);
+  EXPECT_EQ(readbytes(path("w.nii")).size(), 352u + 24u);
+}
+
+// The mono payload is the packed bit store: in ".nii" (datatype 1, bitpix 1) the whole
+// bytes of it, which this program's own reader refuses; in ".hdr" a byte per voxel's
+// length beginning with the store, the rest zero.
+TEST_F(Nifti, DeviationMonoPayloadIsThePackedStore) {
+  tfield mono;
+  fieldcreate(mono.f, scalarmono, {5, 2, 2});  // 20 voxels: two whole bytes and four bits
+  for (int64_t x = 1; x <= 5; ++x) setvalue(mono.f, x, 1, 1, x % 2);
+  setvalue(mono.f, 5, 2, 2, 1);
+  printed([&] {
+    niftisave(mono.f, utf16(path("m.nii")));
+    niftisave(mono.f, utf16(path("m.hdr")));
+  });
+  const std::string nii = readbytes(path("m.nii"));
+  ASSERT_EQ(nii.size(), 352u + 2u);
+  tniftiheader h;
+  takeheader(h, nii.data());
+  EXPECT_EQ(h.datatype, 1);
+  EXPECT_EQ(h.bitpix, 1);
+  EXPECT_EQ(static_cast<uint8_t>(nii[352]), 0x15) << "voxels 1, 3, 5 set, lowest bit first";
+  EXPECT_TRUE(loadfile(path("m.nii"), scalarmono).empty());
+  EXPECT_EQ(lines.back(), "  Bad dim values! Create empty field.");
+
+  const std::string img = readbytes(path("m.img"));
+  ASSERT_EQ(img.size(), 20u);
+  EXPECT_EQ(img.substr(0, 3), std::string("\x15\x00\x08", 3)) << "voxel 20 is bit 3 of byte 3";
+  EXPECT_EQ(img.substr(3), std::string(17, '\0'));
+}
+
+TEST_F(Nifti, TransformationLineSplitsBeyondSeventyCharacters) {
+  tspatial s{};
+  EXPECT_EQ(transformationlines(s, true).size(), 1u);
+  setmatrix(s, {tvector{0.123456, 0, 0}, tvector{0, 0.5, 0.25}, tvector{0, -0.25, 0.5}});
+  setoffset(s, {-100.5, 20, 3.75});
+  const std::vector<utf16> lines = transformationlines(s, true);
+  ASSERT_EQ(lines.size(), 4u);
+  EXPECT_EQ(text(lines[0]), "  Transformation: <0.123456, 0, 0>");
+  EXPECT_EQ(text(lines[1]), "                   <0, 0.5, 0.25>");
+  EXPECT_EQ(text(lines[3]), "                + <-100.5, 20, 3.75>");
+  EXPECT_EQ(transformationlines(s, false).size(), 1u);
+}
+
+TEST_F(Nifti, HeaderTextNamesTypesUnitsAndWrongSizes) {
+  tniftiheader h = header(512, 16, 4, 5, 6);
+  h.xyzt_units = 10;
+  h.intent_code = 1002;
+  const std::vector<utf16> t = headertext(h);
+  const auto has = [&](const std::string& line) {
+    return std::any_of(t.begin(), t.end(), [&](const utf16& l) { return text(l) == line; });
+  };
+  EXPECT_EQ(text(t[0]), "Nifti header of one file - NII Version 1");
+  EXPECT_TRUE(has("Data array dimensions (16 bits & UINT16 (512) data type)."));
+  EXPECT_TRUE(has("  Dim[3] = 6"));
+  EXPECT_TRUE(has("  Pixdim[1] = 1 mm or sec"));
+  EXPECT_TRUE(has("Data (UINT16 Meaning: LABEL - 0 0 0"));
+  EXPECT_TRUE(has("  Data offset: 352"));
+  EXPECT_STREQ(datatypename(2), "INT8");
+  h.sizeof_hdr = 540;
+  std::memset(h.magic, 0, 4);
+  const std::vector<utf16> bad = headertext(h);
+  EXPECT_EQ(text(bad[0]), "Nifti header - HDR");
+  EXPECT_EQ(text(bad.back()), "Error (Header size = 540)! Not a nifti 1 file format!");
+}
+
+}  // namespace

@@ -1,0 +1,191 @@
+// PNM reading by magic number and kind, with the program's own pixel rules, and the four
+// writers byte by byte.
+#include "imagetest.h"
+
+#include "formats/pnm.h"
+
+using namespace imagetest;
+
+namespace {
+
+// Reads the bytes as a PNM file into a field of the kind; the console's last line.
+struct Read {
+  Field f;
+  std::vector<std::string> lines;
+  bool ok = false;
+  Read(uint8_t kind, const std::string& bytes, const std::string& name = "t.pnm") : f(kind) {
+    writebytes(path(name), bytes);
+    lines = printed([&] { ok = pnmread(f, path(name).c_str()); });
+  }
+  int64_t at(int64_t x, int64_t y = 1) { return getvalue(f, x, y); }
+  std::string last() const { return lines.empty() ? "" : lines.back(); }
+};
+
+}  // namespace
+
+TEST(PnmRead, TextFormsIntoGray) {
+  Read p1(imagegray, "P1\n# a comment\n3 1\n1 0 1\n");
+  ASSERT_TRUE(p1.ok);
+  EXPECT_EQ(p1.at(1), 0);  // a set bit reads 0,
+  EXPECT_EQ(p1.at(2), 1);  // the clear one 1
+  Read packed(imagegray, "P1\n3 1\n101");
+  EXPECT_EQ(packed.at(2), 1);
+  EXPECT_EQ(packed.at(3), 0);
+  Read p2(imagegray, "P2 3 1 255 300 -4 17");
+  EXPECT_EQ(p2.at(1), 255);
+  EXPECT_EQ(p2.at(2), 0);
+  EXPECT_EQ(p2.at(3), 17);
+  Read p3(imagegray, "P3\n1 1\n255\n30 60 91\n");
+  EXPECT_EQ(p3.at(1), 60);
+  Read wide(imagegray, "P2\n2 1\n1000\n1000 65535\n");
+  EXPECT_EQ(wide.at(1), 3);  // value div 256
+  EXPECT_EQ(wide.at(2), 255);
+  Read widecolour(imagegray, "P3\n1 1\n65535\n65535 65535 1000\n");
+  EXPECT_EQ(widecolour.at(1), (65535 * 2 + 1000) / 3 / 256);
+  EXPECT_EQ(utf16toutf8(p3.f->name), path("t.pnm"));
+}
+
+TEST(PnmRead, BinaryFormsIntoGrayAndFullgray) {
+  Read p5(imagegray, std::string("P5\n2 1\n255\n\x07\xFF", 14));
+  EXPECT_EQ(p5.at(1), 7);
+  EXPECT_EQ(p5.at(2), 255);
+  Read p6(imagegray, std::string("P6\n2 1\n255\n\xC8\xC8\xC8\x1E\x3C\x5A", 17));
+  EXPECT_EQ(p6.at(1), 85);  // clamped to 255 first, then divided
+  EXPECT_EQ(p6.at(2), 60);
+  Read p6full(imagefullgray, std::string("P6\n1 1\n255\n\xC8\xC8\xC8", 14));
+  EXPECT_EQ(p6full.at(1), 200);  // 16-bit results: no clamp to 255
+  // 16-bit P5: gray takes the high byte of each big-endian pair; fullgray the pair as it
+  // lies, low byte first.
+  const std::string p15 = std::string("P5\n2 1\n65535\n\x12\x34\xFF\x01", 17);
+  Read gray15(imagegray, p15), full15(imagefullgray, p15);
+  EXPECT_EQ(gray15.at(1), 0x12);
+  EXPECT_EQ(gray15.at(2), 0xFF);
+  EXPECT_EQ(full15.at(1), 0x3412);
+  EXPECT_EQ(full15.at(2), 0x01FF);
+  Read p16(imagegray, std::string("P6\n1 1\n65535\n\xC8\x00\xC8\x00\x10\x00", 19));
+  EXPECT_EQ(p16.at(1), 255 / 3);  // high bytes summed and clamped, then divided
+  Read p5full(imagefullgray, std::string("P5\n1 1\n255\n\xC8", 12));
+  EXPECT_EQ(p5full.at(1), 200);  // 8-bit data are not widened
+  Read p1full(imagefullgray, "P1 2 1 0 1");
+  EXPECT_EQ(p1full.at(1), 1);
+}
+
+TEST(PnmRead, ColourKindsTakeTheMagicAsText) {
+  Read p6(imagergb, std::string("P6\n1 1\n255\n\x01\x02\x03", 14));
+  EXPECT_EQ(getrgb(p6.f, 1, 1), (trgb{1, 2, 3}));
+  Read p5(imagergba, std::string("P5\n1 1\n255\n\x09", 12));
+  EXPECT_EQ(getrgba(p5.f, 1, 1), (trgba{9, 9, 9, 255}));
+  Read p3(imagezrgb, "P3 1 1 255 4 5 6");
+  EXPECT_EQ(getzrgb(p3.f, 1, 1), (trgba{65535, 4, 5, 6}));
+  Read pam(imagergba, std::string("P7\nWIDTH 2\nHEIGHT 1\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n") +
+                          "\x01\x02\x03\x04\x05\x06\x07\x08");
+  ASSERT_TRUE(pam.ok);
+  EXPECT_EQ(getrgba(pam.f, 2, 1), (trgba{5, 6, 7, 8}));
+  Read graya(imagergba, "P7\nWIDTH 1\nHEIGHT 1\nDEPTH 2\nMAXVAL 255\nENDHDR\n\x20\x40");
+  EXPECT_EQ(getrgba(graya.f, 1, 1), (trgba{32, 32, 32, 64}));
+  Read p1(imagergb, "P1 1 1 1");
+  EXPECT_EQ(p1.last(), "  Bad Magic Identifier (P1)!");
+  EXPECT_TRUE(fieldempty(p1.f.f));
+  Read deep(imagergb, "P3 1 1 1000 1 2 3");
+  EXPECT_EQ(deep.last(), "  Bad value Depth (1000) max = 255.");
+}
+
+TEST(PnmRead, BadInputEndsInOneLineAndAnEmptyField) {
+  Read p4(imagegray, "P4\n8 1\n\xFF");
+  EXPECT_EQ(p4.last(), "  Bad Magic Identifier (4)!");
+  Read p7(imagegray, "P7\nWIDTH 1\n");
+  EXPECT_EQ(p7.last(), "  Bad Magic Identifier (7)!");
+  Read deep(imagefullgray, "P2 1 1 70000 5");
+  EXPECT_EQ(deep.last(), "  Bad value Depth (70000) max = 65535.");
+  Read huge(imagegray, "P5\n1000000 1000000\n255\n" + std::string(80, 'x'));
+  EXPECT_EQ(huge.last(), "Wrong file size (103).");
+  Read short5(imagergb, std::string("P6\n2 2\n255\n", 11) + "abcdefghi");
+  EXPECT_EQ(short5.last(), "Wrong file size (20).");
+  Read shorttext(imagegray, "P2 3 3 255 1 2 3 4 5 6 7 8");
+  EXPECT_EQ(shorttext.last(), "Wrong file size (26).");
+  Read header(imagegray, "P5 12");
+  EXPECT_EQ(header.last(), "Wrong file size (5).");
+  Read png(imagegray, "\x89PNG\r\n\x1a\n");
+  EXPECT_EQ(png.last(), "  Bad Magic Identifier (0)!");
+  for (Read* r : {&p4, &p7, &deep, &huge, &short5, &shorttext, &header, &png}) {
+    EXPECT_FALSE(r->ok);
+    EXPECT_TRUE(fieldempty(r->f.f));
+    EXPECT_TRUE(empty(r->f->name));
+  }
+  Read zero(imagegray, "P2 0 5 255");
+  EXPECT_TRUE(fieldempty(zero.f.f));
+}
+
+TEST(PnmRead, GzipByDoubleExtension) {
+  Field f(imagegray, 2, 1);
+  setvalue(f, 1, 1, 4);
+  printed([&] { EXPECT_TRUE(pnmwrite(f, path("z.pgm.gz").c_str(), tpnmform::pgm)); });
+  EXPECT_EQ(readbytes(path("z.pgm.gz")).substr(0, 2), "\x1f\x8b");
+  Read back(imagegray, readbytes(path("z.pgm.gz")), "copy.pgm.gz");
+  EXPECT_EQ(back.at(1), 4);
+}
+
+TEST(PnmWrite, HeadersAndDataByteForByte) {
+  Field g(imagegray, 2, 1), w(imagefullgray, 2, 1), c(imagergb, 2, 1), a(imagergba, 1, 1);
+  setvalue(g, 1, 1, 1), setvalue(g, 2, 1, 255);
+  setvalue(w, 1, 1, 0x1234), setvalue(w, 2, 1, 0xFF);
+  setrgb(c, 1, 1, {1, 2, 3}), setrgb(c, 2, 1, {200, 200, 200});
+  setrgba(a, 1, 1, {1, 2, 3, 4});
+  const std::string gp = path("g.pgm"), wp = path("w.pgm"), cp = path("c.ppm"), ap = path("a.pam"), pp = path("c.pam");
+  printed([&] {
+    pnmwrite(g, gp.c_str(), tpnmform::pgm);
+    pnmwrite(w, wp.c_str(), tpnmform::pgm);
+    pnmwrite(c, cp.c_str(), tpnmform::ppm);
+    pnmwrite(a, ap.c_str(), tpnmform::pam);
+    pnmwrite(c, pp.c_str(), tpnmform::pam);
+  });
+  EXPECT_EQ(readbytes(gp), "P5\n#" + gp + "\n2 1\n255\n\x01\xFF");
+  // 16-bit gray lies in the file low byte first, as it lies in memory.
+  EXPECT_EQ(readbytes(wp), "P5\n#" + wp + "\n2 1\n65535\n" + std::string("\x34\x12\xFF\x00", 4));
+  EXPECT_EQ(readbytes(cp), "P6\n#" + cp + "\n2 1\n255\n\x01\x02\x03\xC8\xC8\xC8");
+  EXPECT_EQ(readbytes(ap), "P7\n#" + ap +
+                               "\nWIDTH 1\nHEIGHT 1\nDEPTH 4\nMAXVAL 255 \nTUPLTYPE RGB_ALPHA  \nENDHDR\n\x01\x02\x03\x04");
+  const std::string rgbhead = "P7\n#" + pp + "\nWIDTH 2\nHEIGHT 1\nDEPTH 3\nMAXVAL 255 \nTUPLTYPE RGB  \nENDHDR\n";
+  EXPECT_EQ(readbytes(pp), rgbhead + "\x01\x02\x03\xC8\xC8\xC8");
+  // The fullgray reader takes its own files back.
+  Field back(imagefullgray);
+  printed([&] { pnmread(back, wp.c_str()); });
+  EXPECT_EQ(getvalue(back, 1, 1), 0x1234);
+  // A name of another extension gets the writer's.
+  printed([&] { pnmwrite(c, path("c.foo").c_str(), tpnmform::ppm); });
+  EXPECT_EQ(readbytes(path("c.foo.ppm")).substr(0, 2), "P6");
+}
+
+TEST(PnmWrite, BitmapRowsAndTheirLengthFormula) {
+  // A bit is set where the gray is below 128; rows are padded to bytes.
+  Field c(imagergb, 10, 2);
+  for (int64_t x = 1; x <= 10; ++x) setvalue(c, x, 1, x % 2 ? 0 : 255);
+  const std::string p = path("b.pbm");
+  printed([&] { pnmwrite(c, p.c_str(), tpnmform::pbm); });
+  const std::string head = "P4\n#" + p + "\n10 2\n";
+  const std::string file = readbytes(p);
+  ASSERT_EQ(file.substr(0, head.size()), head);
+  // (w - 1) mod 8 is 1, so ((w + 1) * h) div 8 = 2 bytes of the 4 that the rows hold.
+  EXPECT_EQ(file.substr(head.size()), "\xAA\x80");
+  // w = 9: (w - 1) mod 8 = 0, (w * h) div 8 bytes; w = 8: one byte more than the rows.
+  Field n9(imagergb, 9, 8), n8(imagergb, 8, 8);
+  printed([&] {
+    pnmwrite(n9, path("n9.pbm").c_str(), tpnmform::pbm);
+    pnmwrite(n8, path("n8.pbm").c_str(), tpnmform::pbm);
+  });
+  EXPECT_EQ(readbytes(path("n9.pbm")).size(), ("P4\n#" + path("n9.pbm") + "\n9 8\n").size() + 9);
+  EXPECT_EQ(readbytes(path("n8.pbm")).size(), ("P4\n#" + path("n8.pbm") + "\n8 8\n").size() + 9);
+}
+
+TEST(PnmRead, ASizeThatCannotBeHadFailsThroughTheAllocator) {
+  // The file's buffer fits under the limit, the image of the same size beside it does not.
+  const std::string file = "P5\n100 100\n255\n" + std::string(10000, '\x05');
+  setfieldmemorylimit(fieldmemoryheld() + 15000);
+  Read r(imagegray, file);
+  setfieldmemorylimit(0);
+  EXPECT_FALSE(r.ok);
+  EXPECT_EQ(r.last(), "  Wrong static allocation (Out of memory?)! Create empty field.");
+  EXPECT_TRUE(fieldempty(r.f.f));
+  Read again(imagegray, file);
+  EXPECT_EQ(again.at(100, 100), 5);
+}
