@@ -7,4 +7,4 @@ bash tools/build.sh
 mkdir -p build/example
 cp examples/demo.macro build/example/
 cd build/example
-../voxmill -strict -macro=demo.macro sample
+../voxmill -strict -macro=demo.macro demo-output
