@@ -26,15 +26,9 @@ const char* bmplabel(uint8_t kind, uint32_t bits) {
 }  // namespace
 
 bool bmpread(timagefield& f, const utf16& name) {
-  tfilebuffer b;
-  if (!imagefileread(name, b)) {
-    bufferrelease(b);
-    return readfailed(f, utf16());
-  }
-  struct trelease {
-    tfilebuffer& b;
-    ~trelease() { bufferrelease(b); }
-  } release{b};
+  tscopedbuffer held;
+  tfilebuffer& b = held.buffer;
+  if (!imagefileread(name, b)) return readfailed(f, utf16());
   tbytereader r = bytereader(b);
   uint32_t code = 0, filesizefield, reserved, offset, infosize;
   if (!r.le16(code) || !r.le32(filesizefield) || !r.le32(reserved) || !r.le32(offset) || !r.le32(infosize)) {

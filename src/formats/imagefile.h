@@ -14,6 +14,15 @@
 // The whole file; false (with the file layer's message) when it cannot be read.
 bool imagefileread(const utf16& name, tfilebuffer& b);
 
+// A whole-file buffer that is released when the reader returns, whichever way it leaves.
+struct tscopedbuffer {
+  tfilebuffer buffer;
+  tscopedbuffer() = default;
+  tscopedbuffer(const tscopedbuffer&) = delete;
+  tscopedbuffer& operator=(const tscopedbuffer&) = delete;
+  ~tscopedbuffer() { bufferrelease(buffer); }
+};
+
 // Bytes of a file in memory with a read position; reads past the end give false.
 struct tbytereader {
   const uint8_t* data = nullptr;

@@ -6,15 +6,9 @@
 #include "shell/console.h"
 
 bool imgfread(timagefield& f, const utf16& name) {
-  tfilebuffer b;
-  if (!imagefileread(name, b)) {
-    bufferrelease(b);
-    return readfailed(f, utf16());
-  }
-  struct trelease {
-    tfilebuffer& b;
-    ~trelease() { bufferrelease(b); }
-  } release{b};
+  tscopedbuffer held;
+  tfilebuffer& b = held.buffer;
+  if (!imagefileread(name, b)) return readfailed(f, utf16());
   tbytereader r = bytereader(b);
   const uint8_t* magic;
   if (!r.take(4, magic) || std::string_view(reinterpret_cast<const char*>(magic), 4) != "IMGF")
