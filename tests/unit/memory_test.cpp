@@ -1,6 +1,7 @@
 #include "field/memory.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <malloc.h>
 
 #include <cstdio>
@@ -17,7 +18,8 @@ namespace {
 // Catches what one piece of work writes to the console and to the log.
 class ttrace {
  public:
-  ttrace() : path_(testing::TempDir() + "memory_test_trace.log") {
+  // One log per test process: ctest runs tests side by side, and the log is opened to append.
+  ttrace() : path_(testing::TempDir() + "memory_test_trace_" + std::to_string(getpid()) + ".log") {
     std::remove(path_.c_str());
     logopen(path_);
     testing::internal::CaptureStdout();
