@@ -267,10 +267,15 @@ void testsub(tscript& s) {
   if (source) prepareresult(imageworkspace, *target, *source, fieldsize(*source));
 }
 
+// One macro file per test: ctest runs the tests of this file side by side.
+std::string macropath() {
+  return testing::TempDir() + "workspace_test_" + testing::UnitTest::GetInstance()->current_test_info()->name() + ".macro";
+}
+
 // Runs macro lines through the engine with all commands and the two above; the lines
 // that follow "Script runs..." and the echo of debug.no.
 std::vector<std::string> runmacro(tscript& s, const std::string& lines) {
-  const std::string path = testing::TempDir() + "workspace_test.macro";
+  const std::string path = macropath();
   std::ofstream(path) << "debug.no\n" << lines;
   registerallcommands(s);
   regfunc(s, "test.copy", testcopy);
@@ -284,7 +289,7 @@ std::vector<std::string> runmacro(tscript& s, const std::string& lines) {
 }
 
 // The place of an error: " in line <n> (<file>)!".
-std::string inline9() { return " in line 9 (" + testing::TempDir() + "workspace_test.macro)!"; }
+std::string inline9() { return " in line 9 (" + macropath() + ")!"; }
 
 TEST_F(Workspaces, AssignmentNamesAWorkspaceEntryAndStoresNoVariable) {
   tscript s;
