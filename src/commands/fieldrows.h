@@ -12,6 +12,8 @@
 
 // The image family's files, pixels and tests (image_file_commands.cpp).
 std::span<const tcommand> imagefilerows();
+// Its smoothing and free kernel (image_filter_commands.cpp).
+std::span<const tcommand> imagefilterrows();
 
 std::vector<tcommand> prefixed(const char* prefix, std::initializer_list<std::span<const tcommand>> parts);
 

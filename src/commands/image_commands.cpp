@@ -31,6 +31,7 @@ const tcommand imagerows[] = {
 
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
-      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), spatialrows<imageworkspace>()});
+      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(),
+                          spatialrows<imageworkspace>()});
   return {"image.", rows};
 }

@@ -1,5 +1,5 @@
 // The rows of the scalar family that live in files of their own: the field's values and
-// labels, and its files.
+// labels, its files, and its smoothing and filters.
 #pragma once
 #include <span>
 
@@ -7,3 +7,4 @@
 
 std::span<const tcommand> scalarfieldrows();
 std::span<const tcommand> scalarfilerows();
+std::span<const tcommand> scalarfilterrows();
