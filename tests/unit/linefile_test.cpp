@@ -9,20 +9,12 @@
 #include "formats/gzip.h"
 #include "formats/linefile.h"
 
+#include "testfiles.h"
+
 namespace {
 
-std::string tempfile(const std::string& name, const std::string& bytes) {
-  const std::string path = ::testing::TempDir() + "linefile_" + name;
-  std::ofstream(path, std::ios::binary) << bytes;
-  return path;
-}
-
-std::string content(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
+std::string tempfile(const std::string& name, const std::string& bytes) { return writetestfile("linefile_", name, bytes); }
+std::string content(const std::string& path) { return readtestfile(path); }
 
 std::vector<std::string> lines(const std::string& name, const std::string& bytes, int64_t limit = 0) {
   tlinefile f;

@@ -7,20 +7,12 @@
 #include "library/table.h"
 #include "script/variables.h"
 
+#include "testfiles.h"
+
 namespace {
 
-std::string tempfile(const std::string& name, const std::string& bytes) {
-  const std::string path = ::testing::TempDir() + "table_" + name;
-  std::ofstream(path, std::ios::binary) << bytes;
-  return path;
-}
-
-std::string content(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
+std::string tempfile(const std::string& name, const std::string& bytes) { return writetestfile("table_", name, bytes); }
+std::string content(const std::string& path) { return readtestfile(path); }
 
 struct loaded {
   ttable t{};

@@ -6,20 +6,12 @@
 
 #include "library/xml.h"
 
+#include "testfiles.h"
+
 namespace {
 
-std::string tempfile(const std::string& name, const std::string& bytes) {
-  const std::string path = ::testing::TempDir() + "xml_" + name;
-  std::ofstream(path, std::ios::binary) << bytes;
-  return path;
-}
-
-std::string content(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
+std::string tempfile(const std::string& name, const std::string& bytes) { return writetestfile("xml_", name, bytes); }
+std::string content(const std::string& path) { return readtestfile(path); }
 
 const std::string sample =
     "<?xml version=\"1.0\"?>\n"
