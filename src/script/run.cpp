@@ -1,5 +1,9 @@
 #include "script/run.h"
 
+#include <sys/resource.h>
+
+#include <cstdint>
+
 #include "script/frame.h"
 #include "script/registry.h"
 #include "script/variables.h"
@@ -88,6 +92,25 @@ namespace {
 
 constexpr int64_t maxlevel = 1000;
 
+// Where the outermost run began on the machine stack, and how much of it the nesting may use:
+// frames differ in size between builds, so the depth alone is no safe bound.
+uintptr_t stackbase = 0;
+
+size_t stackbudget() {
+  rlimit limit{};
+  const size_t fallback = 8u << 20;
+  size_t size = getrlimit(RLIMIT_STACK, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY ? limit.rlim_cur : fallback;
+  if (size == 0 || size > (256u << 20)) size = fallback;
+  return size / 2;
+}
+
+bool nestedtoodeep(const tscript& s) {
+  const char here = 0;
+  const uintptr_t now = reinterpret_cast<uintptr_t>(&here);
+  const bool deepstack = stackbase != 0 && stackbase > now && stackbase - now > stackbudget();
+  return s.level > maxlevel || deepstack;
+}
+
 // The line cut into its first word (lower case) and the rest, with the one-line forms applied.
 void cutstatement(const tframe& frame, const utf16& text, utf16& keyword, utf16& rest, bool onelineforms) {
   rest = text;
@@ -102,7 +125,7 @@ int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
   frame.storefile = storefile;
   ++s.level;
   // Each level holds a frame on the machine's stack: endless recursion must stop as an error.
-  if (s.level > maxlevel && !s.halted) reporterror(s, utf16("Too many nested blocks (" + std::to_string(s.level) + ")!"));
+  if (!s.halted && nestedtoodeep(s)) reporterror(s, "Too many nested blocks!");
   for (;;) {
     // The count is read each time: an include makes the store grow under the loop.
     if (line >= linecount(s.store) || s.halted) return line;
@@ -180,6 +203,10 @@ int64_t runblock(tscript& s, const utf16& stackname, bool execute) {
 
 void runscript(tscript& s, bool needmembers) {
   if (linecount(s.store) == 0 || (needmembers && s.members.empty())) return;
+  // A sub-script of run nests inside the outer run and shares its stack budget.
+  const char here = 0;
+  const bool outermost = stackbase == 0;
+  if (outermost) stackbase = reinterpret_cast<uintptr_t>(&here);
   s.level = 0;
   s.blocknames.clear();
   s.prefix.clear();
@@ -212,4 +239,5 @@ void runscript(tscript& s, bool needmembers) {
   s.paramkinds.clear();
   s.rawparams.clear();
   s.rawparamkinds.clear();
+  if (outermost) stackbase = 0;
 }
