@@ -1,5 +1,7 @@
 #include "formats/imagefile.h"
 
+#include <vector>
+
 #include <zlib.h>
 
 #include <cstring>
@@ -273,4 +275,21 @@ bool imagesave(timagefield& f, const utf16& name) {
     return false;
   }
   return freeimagesave(f, name) || magicksave(f, name) || ownwrite(f, name);
+}
+
+std::string bottomupbgr(const timagefield& f, int64_t rowbytes) {
+  const int64_t w = imagesizex(f), h = imagesizey(f);
+  std::string data(static_cast<size_t>(rowbytes * h), '\0');
+  std::vector<uint8_t> row(static_cast<size_t>(3 * w));
+  timageprogress p = progressbegin("  RGB with (", w, h);
+  imageemitrows(f, 3, row.data(), [&](int64_t y, const uint8_t* c) {
+    progressrow(p, y);
+    char* out = data.data() + (h - y) * rowbytes;
+    for (int64_t x = 0; x < w; ++x)
+      out[3 * x] = static_cast<char>(c[3 * x + 2]), out[3 * x + 1] = static_cast<char>(c[3 * x + 1]),
+      out[3 * x + 2] = static_cast<char>(c[3 * x]);
+    return true;
+  });
+  progressdone(p);
+  return data;
 }

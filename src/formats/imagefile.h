@@ -89,6 +89,10 @@ timageprogress progressbegin(const char* label, int64_t w, int64_t h);
 void progressrow(timageprogress& p, int64_t y);
 void progressdone(timageprogress& p);
 
+// The image as rows of blue, green, red bytes, the last row first, each row `rowbytes` long
+// (padding stays zero): the pixel layout that BMP and TGA share.
+std::string bottomupbgr(const timagefield& f, int64_t rowbytes);
+
 // A reader's end on bad data: the line, then the field empty and nameless (false).
 bool readfailed(timagefield& f, const utf16& message);
 // A reader's end on success: the field is named after the file (true).

@@ -18,18 +18,7 @@ bool tgawrite(timagefield& f, const utf16& name) {
   putle16(head, static_cast<uint32_t>(h));
   head += static_cast<char>(24);
   head += '\0';  // origin bottom-left
-  std::string data(static_cast<size_t>(3 * w * h), '\0');
-  std::vector<uint8_t> row(static_cast<size_t>(3 * w));
-  timageprogress p = progressbegin("  RGB with (", w, h);
-  imageemitrows(f, 3, row.data(), [&](int64_t y, const uint8_t* c) {
-    progressrow(p, y);
-    char* out = data.data() + (h - y) * 3 * w;
-    for (int64_t x = 0; x < w; ++x)
-      out[3 * x] = static_cast<char>(c[3 * x + 2]), out[3 * x + 1] = static_cast<char>(c[3 * x + 1]),
-      out[3 * x + 2] = static_cast<char>(c[3 * x]);
-    return true;
-  });
-  progressdone(p);
+  const std::string data = bottomupbgr(f, 3 * w);
   timagesink sink;
   if (!sinkopen(sink, name)) return false;
   sinkwrite(sink, head);
