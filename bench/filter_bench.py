@@ -13,18 +13,16 @@ scipy.ndimage.median_filter(size=3), a true 27-value median: related work, not t
 """
 import os
 import shutil
-import subprocess
 import sys
 import tempfile
-import time
 
 import nibabel as nib
 import numpy as np
 from scipy import ndimage
 
+from benchlib import REPEAT, best, voxmill_once
+
 N = 256
-REPEAT = 3
-PASSES = 6
 
 
 def volume():
@@ -32,23 +30,8 @@ def volume():
     return rng.integers(0, 4096, (N, N, N), dtype=np.uint16)
 
 
-def best(run):
-    times = []
-    for _ in range(REPEAT):
-        start = time.perf_counter()
-        run()
-        times.append(time.perf_counter() - start)
-    return min(times)
-
-
-def voxmill(binary, folder, command, threads, passes):
-    lines = ["debug.no", "scalar.16bit", "thread.max := %d" % threads, 'scalar.load "v.nii"'] + ["scalar." + command] * passes
-    with open(os.path.join(folder, "bench.macro"), "w") as f:
-        f.write("\n".join(lines) + "\n")
-
-    def run():
-        subprocess.run([binary, "-strict", "-macro=bench.macro"], cwd=folder, stdout=subprocess.DEVNULL, check=True)
-    return best(run)
+def voxmill(binary, folder, command, threads):
+    return voxmill_once(binary, folder, ["scalar.16bit", 'scalar.load "v.nii"'], "scalar." + command, threads)
 
 
 def rate(seconds):
@@ -66,15 +49,11 @@ def main():
     print("%-34s %9.1f Mvoxel/s" % ("scipy uniform_filter(size=3)", rate(peer)))
     for command in ("hardsmooth", "smooth"):
         for threads in (1, 2):
-            once = voxmill(binary, folder, command, threads, 1)
-            many = voxmill(binary, folder, command, threads, PASSES)
-            one = max((many - once) / (PASSES - 1), 1e-9)
+            one = voxmill(binary, folder, command, threads)
             print("%-34s %9.1f Mvoxel/s  %5.2fx scipy" % ("voxmill scalar.%s threads %d" % (command, threads), rate(one), peer / one))
     median = best(lambda: ndimage.median_filter(data, size=3))
     print("%-34s %9.1f Mvoxel/s" % ("scipy median_filter(size=3)", rate(median)))
-    once = voxmill(binary, folder, "filter.median.mean", 1, 1)
-    many = voxmill(binary, folder, "filter.median.mean", 1, PASSES)
-    one = max((many - once) / (PASSES - 1), 1e-9)
+    one = voxmill(binary, folder, "filter.median.mean", 1)
     print("%-34s %9.1f Mvoxel/s  %5.2fx scipy" % ("voxmill scalar.filter.median.mean", rate(one), median / one))
     if len(sys.argv) <= 2:
         shutil.rmtree(folder)

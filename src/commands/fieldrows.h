@@ -14,6 +14,10 @@
 std::span<const tcommand> imagefilerows();
 // Its smoothing and free kernel (image_filter_commands.cpp).
 std::span<const tcommand> imagefilterrows();
+// Its arithmetic of several images (image_combine_commands.cpp).
+std::span<const tcommand> imagecombinerows();
+// Its level adjustment (image_level_commands.cpp).
+std::span<const tcommand> imagelevelrows();
 
 std::vector<tcommand> prefixed(const char* prefix, std::initializer_list<std::span<const tcommand>> parts);
 

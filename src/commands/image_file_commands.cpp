@@ -74,6 +74,17 @@ void ifimagefunc(tscript& s) {
   setresult(s, fieldempty(currentfield(imageworkspace)) ? utf16() : utf16("1"));
 }
 
+// x y or <x, y>: the pixel as its kind keeps it, a colour as <r, g, b> or <r, g, b, a>.
+void getfunc(tscript& s) {
+  const int64_t n = paramcount(s);
+  if (n != 1 && n != 2) return reportcount(s, 2);
+  const tnatvector at = n == 1 ? textnatvector(param(s, 1)) : tnatvector{textnat(param(s, 1)), textnat(param(s, 2)), 0};
+  const timagefield& f = currentfield(imageworkspace);
+  if (f.kind == imagergba) return setresult(s, natlisttext(getrgba(f, at[0], at[1]), true));
+  if (colourkind(f.kind)) return setresult(s, natlisttext(getrgb(f, at[0], at[1]), true));
+  setresult(s, nattext(getvalue(f, at[0], at[1])));
+}
+
 void ifplainfunc(tscript& s) { setresult(s, imageplain(currentfield(imageworkspace)) ? utf16("1") : utf16()); }
 
 // One parameter: a colour when it holds a blank, comma or semicolon, a number otherwise;
@@ -120,6 +131,7 @@ const tcommand filerows[] = {
     {"save", k1, savecmd, nullptr, "save \"name.png\" // write by the extension: PNM, PAM, BMP, TGA, TIF, RGB, PNG"},
     {"ifimage", k4, ifimagefunc, nullptr, "ifimage // true, if the image has a size bigger than 0x0"},
     {"ifplain", k4, ifplainfunc, nullptr, "ifplain // true, if all pixels are equal"},
+    {"get", k2, getfunc, nullptr, "a := get x y // or <x, y>: the pixel's value, <r, g, b> or <r, g, b, a> for colour"},
     {"value", k1, colourcmd<false>, nullptr, "value v // or <r, g, b> [alpha]: the value drawing writes"},
     {"background", k1, colourcmd<true>, nullptr, "background v // or <r, g, b> [alpha]: the value outside the image"},
 };

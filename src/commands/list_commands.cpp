@@ -1,11 +1,17 @@
 // Lists: a workspace of named lists of numbers, vectors or short texts, their elements,
-// cursor, files and statistics.
+// cursor, files and statistics, and the bridges between the current list and the file
+// list, the directory list and tables.
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <string>
 #include <vector>
 
 #include "commands/families.h"
 #include "commands/workspace_handlers.h"
+#include "library/filelist.h"
 #include "library/list.h"
+#include "library/table.h"
 #include "script/registry.h"
 #include "script/values.h"
 #include "shell/console.h"
@@ -152,6 +158,86 @@ void outlierbaseline(tscript& s) {
   if (tlist* to = workspacetarget(W, name)) listoutliers(l, *baseline, *to);
 }
 
+// --- bridges: names and cells come as texts --------------------------------------------
+
+// A text that is one number, blanks around it allowed and a decimal comma read as a point; the
+// point form on success.
+bool numbertext(const utf16& text, utf16& out) {
+  std::string t = utf16toutf8(trimblanks(text));
+  std::replace(t.begin(), t.end(), ',', '.');
+  char* end = nullptr;
+  const double v = std::strtod(t.c_str(), &end);
+  if (t.empty() || end != t.c_str() + t.size() || !std::isfinite(v)) return false;
+  out = utf16fromutf8(t);
+  return true;
+}
+
+// The list made anew in its kind, with the texts that its kind can hold: a chars list takes
+// every text (cut to seven characters), the number kinds the numbers, the vector kinds also
+// vectors in angle brackets. Other texts are passed over rather than read as 0.
+void settexts(tlist& l, const std::vector<utf16>& texts) {
+  const uint8_t kind = listkind(l);
+  fieldcreate(l, kind);
+  std::vector<utf16> kept;
+  for (const utf16& text : texts) {
+    utf16 value;
+    const utf16 trimmed = trimblanks(text);
+    const bool bracketed = charat(trimmed, 1) == '<' && charat(trimmed, length(trimmed)) == '>';
+    if (kind == list_chars)
+      kept.push_back(text);
+    else if (numbertext(text, value))
+      kept.push_back(value);
+    else if (kind != list_nat && kind != list_real && bracketed)
+      kept.push_back(trimmed);
+  }
+  listadd(l, kept);
+}
+
+// The current list gets the full names of the file (or directory) list, in its order.
+template <tfilelist& L>
+void filestolist(tscript& s) {
+  if (!checkparams(s, 0)) return;
+  std::vector<utf16> names;
+  for (const tfileentry& e : L.entries) names.push_back(e.name);
+  settexts(current(), names);
+}
+
+// The file (or directory) list made anew: each element of the current list is a name or
+// pattern, as the lines of io.files.fromfile are; the cursor goes to the first entry.
+template <tfilelist& L>
+void listtofiles(tscript& s) {
+  if (!checkparams(s, 0)) return;
+  const tlist& l = current();
+  filelistclear(L);
+  for (int64_t i = 1; i <= listlength(l); ++i) {
+    const utf16 name = trimblanks(listget(l, i));
+    if (!empty(name)) filelistadd(L, name);
+  }
+  filelistgo(L, 1);
+}
+
+// Row (or column) index of the current table: all its cells, or those from first to last
+// of the range <first, last>, cut to the table.
+template <bool column>
+void tabletolist(tscript& s) {
+  const int64_t n = paramcount(s);
+  if (n < 1) return reportmin(s, 1);
+  if (n > 2) return reportmax(s, 2);
+  const ttable& t = currentfield(tableworkspace);
+  const int64_t index = textnat(param(s, 1));
+  const int64_t lines = column ? tablewidth(t) : tableheight(t);
+  int64_t first = 1, last = column ? tableheight(t) : tablewidth(t);
+  if (n == 2) {
+    const tnatvector range = textnatvector(param(s, 2));
+    first = std::max<int64_t>(first, range[0]);
+    last = std::min(last, range[1]);
+  }
+  std::vector<utf16> cells;
+  for (int64_t k = first; index >= 1 && index <= lines && k <= last; ++k)
+    cells.push_back(utf16fromutf8(column ? tablecell(t, index, k) : tablecell(t, k, index)));
+  settexts(current(), cells);
+}
+
 using enum tcommandkind;
 const tcommand rows[] = {
     {"list.nat", k1, defaultkindcmd<W, list_nat>, nullptr, "list.nat // lists made from now on hold integers"},
@@ -190,6 +276,12 @@ const tcommand rows[] = {
     {"list.outlier.factor", k1, outlierfactorcmd, nullptr, "list.outlier.factor 1.5 // outliers lie beyond median +/- factor * |q75 - q25|"},
     {"list.outlier", k2, outlier, nullptr, "new := list.outlier // list of 1 for each outlier, 0 else"},
     {"list.outlier.baseline", k2, outlierbaseline, nullptr, "new := list.outlier.baseline \"base\" // the same against the band of another list"},
+    {"io.files.to.list", k1, filestolist<scriptfiles>, nullptr, "io.files.to.list // the current list gets the names of the file list that its kind holds"},
+    {"list.to.io.files", k1, listtofiles<scriptfiles>, nullptr, "list.to.io.files // the file list gets the files named by the current list"},
+    {"io.dirs.to.list", k1, filestolist<scriptdirs>, nullptr, "io.dirs.to.list // the current list gets the names of the directory list that its kind holds"},
+    {"list.to.io.dirs", k1, listtofiles<scriptdirs>, nullptr, "list.to.io.dirs // the directory list gets the directories named by the current list"},
+    {"table.row.to.list", k1, tabletolist<false>, nullptr, "table.row.to.list 2 <1, 5> // the current list gets the cells of row 2 (from 1 to 5) that its kind holds"},
+    {"table.column.to.list", k1, tabletolist<true>, nullptr, "table.column.to.list 3 // the current list gets the cells of column 3 that its kind holds"},
 };
 
 }  // namespace

@@ -32,6 +32,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), scalarcombinerows(), scalarlevelrows()});
   return {"scalar.", rows};
 }

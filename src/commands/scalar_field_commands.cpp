@@ -19,6 +19,15 @@ void backgroundcmd(tscript& s) {
 void ifscalar(tscript& s) { setresult(s, fieldempty(current()) ? "" : "1"); }
 void ifplain(tscript& s) { setresult(s, isplain(current()) ? "1" : ""); }
 
+// x y z or <x, y, z>: the voxel's value, the background outside.
+void getfunc(tscript& s) {
+  const int64_t n = paramcount(s);
+  if (n != 1 && n != 3) return reportcount(s, 3);
+  const tnatvector at =
+      n == 1 ? textnatvector(param(s, 1)) : tnatvector{textnat(param(s, 1)), textnat(param(s, 2)), textnat(param(s, 3))};
+  setresult(s, nattext(getvalue(current(), at[0], at[1], at[2])));
+}
+
 void labelsclear(tscript& s) {
   if (checkparams(s, 0)) clearlabels(current());
 }
@@ -54,6 +63,7 @@ const tcommand rows[] = {
     {"background", k1, backgroundcmd, nullptr, "background v // the value read outside the field"},
     {"ifscalar", k4, ifscalar, nullptr, "ifscalar // true, if the field has a size bigger than 0x0x0"},
     {"ifplain", k4, ifplain, nullptr, "ifplain // true, if all voxels have the same value"},
+    {"get", k2, getfunc, nullptr, "a := get x y z // or <x, y, z>: the voxel's value"},
     {"labels.new", k1, labelsclear, nullptr, "labels.new // no labels"},
     {"labels.clear", k1, labelsclear, nullptr, "labels.clear // same as labels.new"},
     {"labels.clean", k1, labelsclear, nullptr, "labels.clean // same as labels.new"},

@@ -1,5 +1,5 @@
 // The rows of the scalar family that live in files of their own: the field's values and
-// labels, its files, and its smoothing and filters.
+// labels, its files, its smoothing and filters, and its level adjustment.
 #pragma once
 #include <span>
 
@@ -8,3 +8,5 @@
 std::span<const tcommand> scalarfieldrows();
 std::span<const tcommand> scalarfilerows();
 std::span<const tcommand> scalarfilterrows();
+std::span<const tcommand> scalarcombinerows();
+std::span<const tcommand> scalarlevelrows();

@@ -7,6 +7,15 @@
 #include "field/array_list.h"
 #include "library/random.h"
 
+// The 1-based positions in a sorted list of n elements of the first quartile, the median
+// and the third quartile. An even list takes the lower element, no mean of two; a
+// position of 0 lies outside the list (an even list of two has no quartiles).
+constexpr std::array<int64_t, 3> quantilepositions(int64_t n) {
+  const int64_t quarter = n / 4, half = n / 2;
+  if (n % 2 == 1) return {quarter + 1, half + 1, quarter * 3 + 1};
+  return {quarter, half, quarter * 3};
+}
+
 template <class T, uint8_t K>
 struct tnumberlist;
 using tintlist = tnumberlist<int64_t, 2>;
@@ -169,9 +178,7 @@ struct tnumberlist : tarraylist<T, K> {
   std::array<T, 3> quantiles() const {
     const int64_t n = this->length;
     if (n < 1) return {T{}, T{}, T{}};
-    const int64_t quarter = n / 4, half = n / 2;
-    const std::array<int64_t, 3> at = n % 2 == 1 ? std::array<int64_t, 3>{quarter + 1, half + 1, quarter * 3 + 1}
-                                                 : std::array<int64_t, 3>{quarter, half, quarter * 3};
+    const std::array<int64_t, 3> at = quantilepositions(n);
     tintlist order{};
     sortindex(order);
     std::array<T, 3> q{};

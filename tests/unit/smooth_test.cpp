@@ -154,7 +154,9 @@ TEST_F(Smooth, ImagePlanesMatchTheModelAndColoursStayApart) {
           const int64_t want = getvalue(red.f, x, y, 1);
           const int64_t got = kind == imagergb ? getrgb(f, x, y)[0] : getvalue(f, x, y);
           ASSERT_EQ(got, want) << smoothword(k) << " kind " << int(kind) << " at " << x << "," << y;
-          if (kind == imagergb) ASSERT_EQ(getrgb(f, x, y)[2], 7);  // a plain channel stays plain
+          if (kind == imagergb) {
+            ASSERT_EQ(getrgb(f, x, y)[2], 7);  // a plain channel stays plain
+          }
         }
       fieldrelease(f);
     }
