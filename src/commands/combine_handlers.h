@@ -112,13 +112,21 @@ void expressioncmd(tscript& s) {
   if (!checkcount(s, count)) return;
   auto c = combination<W>(s, 1, paramcount(s));
   if (!c) return;
-  auto perpixel = [&] {
-    if constexpr (std::is_invocable_v<decltype(expression), int64_t>)
-      return expression(sampletop(*c.target));
+  const int channels = targetchannels(c);
+  if constexpr (std::is_invocable_v<decltype(expression), int64_t>) {
+    // The kind's top as a constant: divisions by it become multiplications.
+    auto run = [&](auto top) { runcombination(c, word, perchannel(channels, expression(top))); };
+    const int64_t top = sampletop(*c.target);
+    if (top == 1)
+      run(std::integral_constant<int64_t, 1>{});
+    else if (top == 255)
+      run(std::integral_constant<int64_t, 255>{});
     else
-      return [](const int64_t* v, int64_t n) { return expression(v, n); };  // inlined, not called through a pointer
-  }();
-  runcombination(c, word, perchannel(targetchannels(c), perpixel));
+      run(std::integral_constant<int64_t, 65535>{});
+  } else {
+    // A lambda, so that the expression is inlined and not called through a pointer.
+    runcombination(c, word, perchannel(channels, [](const int64_t* v, int64_t n) { return expression(v, n); }));
+  }
 }
 
 // old1 and a value or <lo, hi>, and optionally the value that a selected pixel gets.

@@ -18,6 +18,8 @@ std::span<const tcommand> imagefilterrows();
 std::span<const tcommand> imagecombinerows();
 // Its level adjustment (image_level_commands.cpp).
 std::span<const tcommand> imagelevelrows();
+// Its compositing, stacking and work by colour (image_colour_commands.cpp).
+std::span<const tcommand> imagecolourrows();
 
 std::vector<tcommand> prefixed(const char* prefix, std::initializer_list<std::span<const tcommand>> parts);
 

@@ -31,7 +31,7 @@ const tcommand imagerows[] = {
 
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
-      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), imagecombinerows(), imagelevelrows(),
+      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), imagecombinerows(), imagelevelrows(), imagecolourrows(),
                           spatialrows<imageworkspace>()});
   return {"image.", rows};
 }

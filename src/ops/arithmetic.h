@@ -1,6 +1,7 @@
 // The per-pixel expressions of the combining commands, on the 64-bit samples of one
 // channel: v[i] is the sample of operand i, n the number of operands, `top` the largest
-// sample of the target's kind (1, 255 or 65535), from which every kind's constant follows.
+// sample of the target's kind (1, 255 or 65535), from which every kind's constant follows;
+// it arrives as a compile-time constant, so that the divisions become multiplications.
 // Integer division truncates toward zero; the target's setter clamps the result.
 #pragma once
 #include <algorithm>
@@ -16,9 +17,9 @@ namespace pixelmath {
 inline int64_t sub(const int64_t* v, int64_t) { return v[0] - v[1]; }
 inline int64_t subabs(const int64_t* v, int64_t) { return std::abs(v[0] - v[1]); }
 // a + c - b, c the middle of the range: 128 or 32768.
-inline auto subrange(int64_t top) {
-  return [middle = (top + 1) / 2](const int64_t* v, int64_t) { return v[0] + middle - v[1]; };
-}
+inline constexpr auto subrange = [](auto top) {
+  return [middle = (top + 1) / 2](const int64_t* v, int64_t) -> int64_t { return v[0] + middle - v[1]; };
+};
 // old1 between old2 (the second operand, m) and old3.
 inline int64_t between(const int64_t* v, int64_t) { return (v[1] - v[0]) + (v[1] - v[2]); }
 
@@ -28,25 +29,25 @@ inline int64_t add(const int64_t* v, int64_t n) {
   return sum;
 }
 // The folds start at the kind's maximum and at 0.
-inline auto addmin(int64_t top) {
-  return [top](const int64_t* v, int64_t n) { return std::min(top, *std::min_element(v, v + n)); };
-}
+inline constexpr auto addmin = [](auto top) {
+  return [top](const int64_t* v, int64_t n) { return std::min<int64_t>(top, *std::min_element(v, v + n)); };
+};
 inline int64_t addmax(const int64_t* v, int64_t n) { return std::max<int64_t>(0, *std::max_element(v, v + n)); }
 
 // Two operands: a * b div top; three: a * b * c div top².
-inline auto mul(int64_t top) {
+inline constexpr auto mul = [](auto top) {
   return [top](const int64_t* v, int64_t n) {
     return n == 2 ? v[0] * v[1] / top : v[0] * v[1] * v[2] / (top * top);
   };
-}
+};
 // (a div 2) * b * (c div 2) div (top div 2)²: 16129 on 8 bits, 1073676289 on 16.
-inline auto mulgauss(int64_t top) {
-  return [half = top / 2](const int64_t* v, int64_t) { return (v[0] / 2) * v[1] * (v[2] / 2) / (half * half); };
-}
+inline constexpr auto mulgauss = [](auto top) {
+  return [half = top / 2](const int64_t* v, int64_t) -> int64_t { return (v[0] / 2) * v[1] * (v[2] / 2) / (half * half); };
+};
 // a shifted by the kind's bits, divided by b + 1: never by zero.
-inline auto div(int64_t top) {
-  return [scale = top + 1](const int64_t* v, int64_t) { return v[0] * scale / (v[1] + 1); };
-}
+inline constexpr auto div = [](auto top) {
+  return [scale = top + 1](const int64_t* v, int64_t) -> int64_t { return v[0] * scale / (v[1] + 1); };
+};
 inline int64_t mean(const int64_t* v, int64_t n) { return add(v, n) / n; }
 
 inline int64_t medianofthree(int64_t a, int64_t b, int64_t c) {
