@@ -14,13 +14,13 @@ import shutil
 import subprocess
 import sys
 import tempfile
-import time
 
 import nibabel as nib
 import numpy as np
 
+from benchlib import best
+
 N = 256
-REPEAT = 3
 
 
 def volume():
@@ -30,15 +30,6 @@ def volume():
     r2 = x[:, None, None] ** 2 + (x[None, :, None] * 1.2) ** 2 + (x[None, None, :] * 0.9) ** 2
     v = 2400 * np.exp(-3 * r2) + 600 * (r2 < 0.5) + rng.normal(0, 40, (N, N, N)).astype(np.float32)
     return np.clip(v, 0, 4095).astype(np.uint16)
-
-
-def best(run):
-    times = []
-    for _ in range(REPEAT):
-        start = time.perf_counter()
-        run()
-        times.append(time.perf_counter() - start)
-    return min(times)
 
 
 def voxmill(binary, folder, lines):

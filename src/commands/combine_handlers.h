@@ -4,10 +4,12 @@
 #pragma once
 #include <algorithm>
 #include <array>
-#include <type_traits>
 #include <concepts>
+#include <span>
+#include <type_traits>
 #include <vector>
 
+#include "commands/commandtable.h"
 #include "commands/workspace_handlers.h"
 #include "field/workspaces.h"
 #include "ops/arithmetic.h"
@@ -189,4 +191,29 @@ void intensitycmd(tscript& s) {
     runcombination(c, combinewords::intensity, perchannel(1, pixelmath::exposures(e)));
   else
     runcombination(c, combinewords::intensity, perchannel(targetchannels(c), pixelmath::exposurepair(e[0], e[1])));
+}
+
+// The operators that images and volumes share, with one handler each for both families.
+template <auto& W>
+std::span<const tcommand> sharedcombinerows() {
+  using namespace combinewords;
+  namespace pm = pixelmath;
+  static const tcommand rows[] = {
+      eitherway("select", selectcmd<W>,
+                "new := select old <10, 20> 255 // or old 10 [value]: copy (or set to value) the points in the range"),
+      eitherway("sub", expressioncmd<W, exactly(2), subtraction, pm::sub>, "new := sub old1 old2 // old1 - old2"),
+      eitherway("sub.abs", expressioncmd<W, exactly(2), absolutesubtraction, pm::subabs>,
+                "new := sub.abs old1 old2 // abs(old1 - old2)"),
+      eitherway("sub.range", expressioncmd<W, exactly(2), rangesubtraction, pm::subrange>,
+                "new := sub.range old1 old2 // old1 - old2 + 128 (or 32768 for 16 bit)"),
+      eitherway("between", expressioncmd<W, exactly(3), neighborsubtraction, pm::between>,
+                "new := between old1 old2 old3 // (old2 - old1) + (old2 - old3): old2 between its neighbours"),
+      eitherway("add", expressioncmd<W, operandlist, addition, pm::add>, "new := add old1 old2 ... // the sum of 2 to 99 fields"),
+      eitherway("add.min", expressioncmd<W, operandlist, minimal, pm::addmin>,
+                "new := add.min old1 old2 ... // the smallest value of 2 to 99 fields"),
+      eitherway("add.max", expressioncmd<W, operandlist, maximal, pm::addmax>,
+                "new := add.max old1 old2 ... // the largest value of 2 to 99 fields"),
+      eitherway("mask", maskcmd<W>, "new := mask old mask 1 <5, 9> // old where the mask's value is one of the values or ranges"),
+  };
+  return rows;
 }

@@ -27,3 +27,9 @@ const std::vector<tcommandfamily>& commandfamilies();
 void registerallcommands(tscript& s);
 // The example macro: header, one line per documented command, group closers.
 std::vector<std::string> examplemacro(const std::string& versiontext);
+
+// A K3 command whose procedure and function are the same handler: `new := op ...` and
+// `op ...` alike.
+constexpr tcommand eitherway(const char* name, thandler handler, const char* doc) {
+  return {name, tcommandkind::k3, handler, handler, doc};
+}

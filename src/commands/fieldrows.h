@@ -14,10 +14,8 @@
 std::span<const tcommand> imagefilerows();
 // Its smoothing and free kernel (image_filter_commands.cpp).
 std::span<const tcommand> imagefilterrows();
-// Its arithmetic of several images (image_combine_commands.cpp).
+// Its own arithmetic of several images (image_combine_commands.cpp).
 std::span<const tcommand> imagecombinerows();
-// Its level adjustment (image_level_commands.cpp).
-std::span<const tcommand> imagelevelrows();
 // Its compositing, stacking and work by colour (image_colour_commands.cpp).
 std::span<const tcommand> imagecolourrows();
 

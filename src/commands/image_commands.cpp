@@ -1,6 +1,8 @@
 // The image family: workspace, place in space and the bit level of new images.
+#include "commands/combine_handlers.h"
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/level_handlers.h"
 #include "field/workspaces.h"
 
 namespace {
@@ -31,7 +33,7 @@ const tcommand imagerows[] = {
 
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
-      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), imagecombinerows(), imagelevelrows(), imagecolourrows(),
+      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), imagecolourrows(),
                           spatialrows<imageworkspace>()});
   return {"image.", rows};
 }

@@ -1,6 +1,9 @@
 // The level commands of images and volumes, written once and instantiated per family with
 // its workspace; the tables are made and applied in ops/leveladjust.
 #pragma once
+#include <span>
+
+#include "commands/commandtable.h"
 #include "commands/workspace_handlers.h"
 #include "ops/leveladjust.h"
 #include "ops/slices.h"
@@ -41,4 +44,17 @@ void cleanupcmd(tscript& s) {
   smoothonce(s, f, tsmoothkind::unsharp);
   println("Unsharp(2/2)...");
   smoothonce(s, f, tsmoothkind::unsharp);
+}
+
+// The level commands of a family, the same for images and volumes.
+template <auto& W>
+std::span<const tcommand> levelrows() {
+  using enum tcommandkind;
+  static const tcommand rows[] = {
+      {"setadjust", k1, setadjustcmd<W>, nullptr,
+       "setadjust // or setadjust <a, b> or setadjust <a, b> <c, d>: stretch the used levels (or a..b) to 0..max "
+       "(or c..d); colour takes one table for red, green and blue"},
+      {"cleanup", k1, cleanupcmd<W>, nullptr, "cleanup // setadjust, smooth, unsharpmasking and unsharpmasking again"},
+  };
+  return rows;
 }

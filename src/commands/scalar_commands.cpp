@@ -1,6 +1,8 @@
 // The scalar family: workspace, place in space and the bit level of new volumes.
+#include "commands/combine_handlers.h"
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/level_handlers.h"
 #include "commands/scalar_rows.h"
 #include "field/workspaces.h"
 
@@ -32,6 +34,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), scalarcombinerows(), scalarlevelrows()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>()});
   return {"scalar.", rows};
 }

@@ -1,5 +1,5 @@
 // The rows of the scalar family that live in files of their own: the field's values and
-// labels, its files, its smoothing and filters, and its level adjustment.
+// labels, its files, its smoothing and filters, and its own arithmetic.
 #pragma once
 #include <span>
 
@@ -9,4 +9,3 @@ std::span<const tcommand> scalarfieldrows();
 std::span<const tcommand> scalarfilerows();
 std::span<const tcommand> scalarfilterrows();
 std::span<const tcommand> scalarcombinerows();
-std::span<const tcommand> scalarlevelrows();

@@ -14,7 +14,7 @@ namespace {
 // A slice job that copies slice z and replaces its voxels by op(v, i), i the linear index of
 // the voxel: all but a margin of `margin` in x and y. The first and last slice are left alone.
 template <class T, class Op>
-struct tinteriorjob : tslicejob {
+struct tinteriorjob {
   T* v;
   int64_t nx, ny, nz, margin;
   Op op;
@@ -22,7 +22,7 @@ struct tinteriorjob : tslicejob {
 
   tinteriorjob(T* voxels, int64_t x, int64_t y, int64_t z, int64_t m, Op o)
       : v(voxels), nx(x), ny(y), nz(z), margin(m), op(o), planes(z, x * y) {}
-  void compute(int64_t z) override {
+  void compute(int64_t z) {
     if (z == 1 || z == nz) return;
     const int64_t area = planes.area, base = (z - 1) * area;
     T* out = planes.open(z);
@@ -34,7 +34,7 @@ struct tinteriorjob : tslicejob {
         out[i] = static_cast<T>(std::clamp<int64_t>(op(v, base + i), 0, top));
       }
   }
-  void commit(int64_t z) override {
+  void commit(int64_t z) {
     if (!planes.get(z)) return;
     std::copy_n(planes.get(z), planes.area, v + (z - 1) * planes.area);
     planes.close(z);

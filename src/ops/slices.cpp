@@ -21,7 +21,7 @@ namespace {
 
 enum : uint8_t { written = 0, computed = 1, pending = 2 };
 
-void runsequential(tslicejob& job, int64_t count, const utf16& word) {
+void runsequential(const tslicejob& job, int64_t count, const utf16& word) {
   progress(word, 0);
   for (int64_t z = 1; z <= count; ++z) {
     job.compute(z);
@@ -36,7 +36,7 @@ void runsequential(tslicejob& job, int64_t count, const utf16& word) {
 // sleeps on a condition variable instead of spinning: on a small machine a spinning waiter
 // takes a core from the workers.
 struct tpool {
-  tslicejob& job;
+  const tslicejob& job;
   int64_t count;
   std::vector<uint8_t> states;  // slots 0 and count + 1 read as written
   std::mutex lock;
@@ -44,7 +44,7 @@ struct tpool {
   int64_t next = 1;
   int64_t finished = 0;
 
-  tpool(tslicejob& j, int64_t n) : job(j), count(n), states(n + 2, written) {
+  tpool(const tslicejob& j, int64_t n) : job(j), count(n), states(n + 2, written) {
     std::fill(states.begin() + 1, states.end() - 1, pending);
   }
 
@@ -107,7 +107,7 @@ struct tpool {
 
 }  // namespace
 
-void runslices(tslicejob& job, int64_t count, int64_t parallel, const utf16& word) {
+void runslices(const tslicejob& job, int64_t count, int64_t parallel, const utf16& word) {
   if (count < 1) return;
   if (count < 2 || parallel < 2) return runsequential(job, count, word);
   println("Working threads: " + std::to_string(count));

@@ -4,18 +4,19 @@
 // the same as that of the plain sequential walk, whatever the thread count.
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
 #include "script/tscript.h"
 #include "script/utf16.h"
 
+// What a job does with slice z (1-based): `compute` runs on a worker and reads the
+// unchanged volume into the job's own plane; `commit` runs on the calling thread and puts
+// the plane into the volume, then releases it.
 struct tslicejob {
-  virtual ~tslicejob() = default;
-  // On a worker: slice z (1-based) from the unchanged volume into the job's own plane.
-  virtual void compute(int64_t z) = 0;
-  // On the calling thread: plane z into the volume, then the plane is released.
-  virtual void commit(int64_t z) = 0;
+  std::function<void(int64_t)> compute;
+  std::function<void(int64_t)> commit;
 };
 
 // round(thread.max), at least 1; read at each command since a macro may change it.
@@ -24,7 +25,13 @@ int64_t threadlimit(const tscript& s);
 // Threaded when count >= 2 and parallel >= 2 (with the "Working threads: " and "Parallel: "
 // lines), otherwise the sequential walk that commits z - 1 once z is computed. Progress
 // shows under `word` either way.
-void runslices(tslicejob& job, int64_t count, int64_t parallel, const utf16& word);
+void runslices(const tslicejob& job, int64_t count, int64_t parallel, const utf16& word);
+
+// Any record with compute(z) and commit(z).
+template <class J>
+void runslices(J& job, int64_t count, int64_t parallel, const utf16& word) {
+  runslices(tslicejob{[&job](int64_t z) { job.compute(z); }, [&job](int64_t z) { job.commit(z); }}, count, parallel, word);
+}
 
 // The private planes of a job: one slot per slice, allocated on compute, freed on commit.
 template <class T>

@@ -107,20 +107,20 @@ void smoothslice(const T* v, int64_t nx, int64_t ny, int64_t z, T* out) {
 }
 
 template <class K, class T>
-struct tsmoothjob : tslicejob {
+struct tsmoothjob {
   T* v;
   int64_t nx, ny, nz;
   tsliceplanes<T> planes;
 
   tsmoothjob(T* voxels, int64_t x, int64_t y, int64_t z)
       : v(voxels), nx(x), ny(y), nz(z), planes(z, x * y) {}
-  void compute(int64_t z) override {
+  void compute(int64_t z) {
     if (z == 1 || z == nz)
       smoothslice<K, true>(v, nx, ny, z, planes.open(z));
     else
       smoothslice<K, false>(v, nx, ny, z, planes.open(z));
   }
-  void commit(int64_t z) override {
+  void commit(int64_t z) {
     std::copy_n(planes.get(z), planes.area, v + (z - 1) * planes.area);
     planes.close(z);
   }
