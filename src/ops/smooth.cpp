@@ -11,10 +11,11 @@
 namespace {
 
 // The kernels see the window's sum s and count n; n is a compile-time constant in the
-// interior, so that the division there becomes a multiplication.
+// interior, so that the division there becomes a multiplication. Sums of at most 27
+// 16-bit values fit 32 bits, which the vector units take twice as wide as 64.
 struct softkernel {
   template <bool flat>
-  static int64_t apply(int64_t c, int64_t s, auto n) {
+  static auto apply(auto c, auto s, auto n) {
     if constexpr (flat)
       return (s / n + c * 8) / 9;
     else
@@ -23,53 +24,55 @@ struct softkernel {
 };
 struct smoothkernel {
   template <bool>
-  static int64_t apply(int64_t c, int64_t s, auto n) { return (c + s / n) / 2; }
+  static auto apply(auto c, auto s, auto n) { return (c + s / n) / 2; }
 };
 struct smooth0kernel {
   template <bool>
-  static int64_t apply(int64_t c, int64_t s, auto n) { return c == 0 ? 0 : (c + s / n) / 2; }
+  static auto apply(auto c, auto s, auto n) { return c == 0 ? 0 : (c + s / n) / 2; }
 };
 struct hardkernel {
   template <bool>
-  static int64_t apply(int64_t, int64_t s, auto n) { return s / n; }
+  static auto apply(auto, auto s, auto n) { return s / n; }
 };
 // The only kernel that leaves the kind's range.
 struct unsharpkernel {
   static constexpr bool clamps = true;
   template <bool>
-  static int64_t apply(int64_t c, int64_t s, auto n) { return 2 * c - s / n; }
+  static auto apply(auto c, auto s, auto n) { return 2 * c - s / n; }
 };
 
 template <class K>
 concept clamping = K::clamps;
 
+using tsum = int32_t;
+
 template <class K, class T>
-T store(int64_t v) {
+T store(tsum v) {
   if constexpr (clamping<K>)
-    return static_cast<T>(std::clamp<int64_t>(v, 0, std::numeric_limits<T>::max()));
+    return static_cast<T>(std::clamp<tsum>(v, 0, std::numeric_limits<T>::max()));
   else
     return static_cast<T>(v);
 }
 
-template <int64_t n>
-using constant = std::integral_constant<int64_t, n>;
+template <tsum n>
+using constant = std::integral_constant<tsum, n>;
 
 // One row: `sums` holds, per x, the column sum over the row's y and z neighbours, which
 // number `across`. The two x ends have a window of 2 columns, the rest of 3.
 template <class K, bool flat, class T, class N>
-void interior(const int64_t* sums, const T* c, T* o, int64_t nx, N n) {
+void interior(const tsum* sums, const T* c, T* o, int64_t nx, N n) {
   for (int64_t x = 1; x < nx - 1; ++x)
-    o[x] = store<K, T>(K::template apply<flat>(c[x], sums[x - 1] + sums[x] + sums[x + 1], n));
+    o[x] = store<K, T>(K::template apply<flat>(tsum{c[x]}, sums[x - 1] + sums[x] + sums[x + 1], n));
 }
 
 template <class K, bool flat, class T>
-void smoothrow(const int64_t* sums, const T* c, T* o, int64_t nx, int64_t across) {
+void smoothrow(const tsum* sums, const T* c, T* o, int64_t nx, tsum across) {
   if (nx == 1) {
-    o[0] = store<K, T>(K::template apply<flat>(c[0], sums[0], across));
+    o[0] = store<K, T>(K::template apply<flat>(tsum{c[0]}, sums[0], across));
     return;
   }
-  o[0] = store<K, T>(K::template apply<flat>(c[0], sums[0] + sums[1], 2 * across));
-  o[nx - 1] = store<K, T>(K::template apply<flat>(c[nx - 1], sums[nx - 2] + sums[nx - 1], 2 * across));
+  o[0] = store<K, T>(K::template apply<flat>(tsum{c[0]}, sums[0] + sums[1], 2 * across));
+  o[nx - 1] = store<K, T>(K::template apply<flat>(tsum{c[nx - 1]}, sums[nx - 2] + sums[nx - 1], 2 * across));
   if (!flat && across == 9)
     interior<K, flat>(sums, c, o, nx, constant<27>{});
   else if (flat && across == 3)
@@ -84,7 +87,7 @@ void smoothslice(const T* v, int64_t nx, int64_t ny, int64_t z, T* out) {
   const int64_t area = nx * ny;
   const T* mid = v + (z - 1) * area;
   // Scratch kept per thread: a fresh plane per slice would cost page faults each time.
-  thread_local std::vector<int64_t> zsums, sums;
+  thread_local std::vector<tsum> zsums, sums;
   zsums.resize(area);
   sums.resize(nx);
   if constexpr (flat) {
@@ -92,17 +95,17 @@ void smoothslice(const T* v, int64_t nx, int64_t ny, int64_t z, T* out) {
   } else {
     const T* below = mid - area;
     const T* above = mid + area;
-    for (int64_t i = 0; i < area; ++i) zsums[i] = int64_t{below[i]} + mid[i] + above[i];
+    for (int64_t i = 0; i < area; ++i) zsums[i] = tsum{below[i]} + mid[i] + above[i];
   }
-  const int64_t depth = flat ? 1 : 3;
+  const tsum depth = flat ? 1 : 3;
   for (int64_t y = 0; y < ny; ++y) {
     const int64_t low = std::max<int64_t>(y - 1, 0), high = std::min(y + 1, ny - 1);
     std::fill(sums.begin(), sums.end(), 0);
     for (int64_t r = low; r <= high; ++r) {
-      const int64_t* line = zsums.data() + r * nx;
+      const tsum* line = zsums.data() + r * nx;
       for (int64_t x = 0; x < nx; ++x) sums[x] += line[x];
     }
-    smoothrow<K, flat>(sums.data(), mid + y * nx, out + y * nx, nx, (high - low + 1) * depth);
+    smoothrow<K, flat>(sums.data(), mid + y * nx, out + y * nx, nx, static_cast<tsum>(high - low + 1) * depth);
   }
 }
 
