@@ -5,6 +5,7 @@ cd "$(dirname "$0")/.."
 bash tools/install-deps.sh
 bash tools/build.sh
 mkdir -p build/example
+/usr/bin/python3 examples/make_sample.py build/example
 cp examples/demo.macro build/example/
 cd build/example
 ../voxmill -strict -macro=demo.macro demo-output

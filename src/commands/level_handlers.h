@@ -53,7 +53,7 @@ std::span<const tcommand> levelrows() {
   static const tcommand rows[] = {
       {"setadjust", k1, setadjustcmd<W>, nullptr,
        "setadjust // or setadjust <a, b> or setadjust <a, b> <c, d>: stretch the used levels (or a..b) to 0..max "
-       "(or c..d); colour takes one table for red, green and blue"},
+       "(or c..d); colour images: one table for red, green and blue"},
       {"cleanup", k1, cleanupcmd<W>, nullptr, "cleanup // setadjust, smooth, unsharpmasking and unsharpmasking again"},
   };
   return rows;
