@@ -148,17 +148,17 @@ void combinecmd(tscript& s) {
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    {"over", k3, overcmd, overcmd,
-     "new := over old1 old2 ... // old2 over old1 by its alpha, then old3 over that ...: an rgba image"},
-    {"stacking", k3, stackingcmd, stackingcmd, "new := stacking old1 old2 ... // focus stacking: the sharp parts of 2 to 99 images"},
-    {"mask.same", k3, bandmaskcmd<true>, bandmaskcmd<true>,
-     "new := mask.same old mask same [t] // old where mask lies within same - t .. same + t"},
-    {"mask.different", k3, bandmaskcmd<false>, bandmaskcmd<false>,
-     "new := mask.different old mask same [t] // old where mask lies outside same - t .. same + t"},
-    {"extract.color", k3, extractcolorcmd, extractcolorcmd,
-     "new := extract.color old <255, 0, 0> 128 ... // old where its colour (or gray value) is one of those"},
-    {"extract.colorpoint", k3, extractcolorpointcmd, extractcolorpointcmd,
-     "new := extract.colorpoint old <10, 20> ... // old where its colour is that of one of the points"},
+    eitherway("over", overcmd,
+              "new := over old1 old2 ... // old2 over old1 by its alpha, then old3 over that ...: an rgba image"),
+    eitherway("stacking", stackingcmd, "new := stacking old1 old2 ... // focus stacking: the sharp parts of 2 to 99 images"),
+    eitherway("mask.same", bandmaskcmd<true>,
+              "new := mask.same old mask same [t] // old where mask lies within same - t .. same + t"),
+    eitherway("mask.different", bandmaskcmd<false>,
+              "new := mask.different old mask same [t] // old where mask lies outside same - t .. same + t"),
+    eitherway("extract.color", extractcolorcmd,
+              "new := extract.color old <255, 0, 0> 128 ... // old where its colour (or gray value) is one of those"),
+    eitherway("extract.colorpoint", extractcolorpointcmd,
+              "new := extract.colorpoint old <10, 20> ... // old where its colour is that of one of the points"),
     {"split.rgb", k1, splitrgbcmd<3>, nullptr, "split.rgb // the current image into gray images name.red, name.green, name.blue"},
     {"split.rgba", k1, splitrgbcmd<4>, nullptr, "split.rgba // the same and name.alpha"},
     {"split.rainbow", k1, splitrainbowcmd, nullptr,
@@ -168,8 +168,8 @@ const tcommand rows[] = {
     {"split.color", k1, splitcolorcmd, nullptr, "split.color <255, 0, 0> <0, 0, 255> ... // name.1, name.2 ... by the nearest colour"},
     {"split.colorpoint", k1, splitcolorpointcmd, nullptr,
      "split.colorpoint <10, 20> <30, 40> ... // the same with the colours at the points"},
-    {"combine", k3, combinecmd, combinecmd,
-     "new := combine red blue // or red green blue [alpha]: a colour image of 2 to 4 gray images"},
+    eitherway("combine", combinecmd,
+              "new := combine red blue // or red green blue [alpha]: a colour image of 2 to 4 gray images"),
 };
 
 }  // namespace
