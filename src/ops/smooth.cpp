@@ -84,6 +84,7 @@ void smoothrow(const tsum* sums, const T* c, T* o, int64_t nx, tsum across) {
 // Slice z of the volume v into `out`: z sums first, then y sums per row, then the row.
 template <class K, bool flat, class T>
 void smoothslice(const T* v, int64_t nx, int64_t ny, int64_t z, T* out) {
+  static_assert(sizeof(T) <= 2, "27 samples must fit the 32-bit sums");
   const int64_t area = nx * ny;
   const T* mid = v + (z - 1) * area;
   // Scratch kept per thread: a fresh plane per slice would cost page faults each time.
