@@ -15,18 +15,10 @@
 
 namespace {
 
-// A name with wildcards stands for the first file it finds.
-utf16 filename(const utf16& given) {
-  if (poschar('*', given) == 0 && poschar('?', given) == 0) return given;
-  tfilelist list;
-  filelistnew(list, given);
-  return list.entries.empty() ? given : list.entries.front().name;
-}
-
 // The name of the one parameter; empty (and nothing to do) for a wrong count or no name.
 utf16 nameparam(tscript& s) {
   if (!checkparams(s, 1)) return utf16();
-  return filename(param(s, 1));
+  return firstmatch(param(s, 1));
 }
 
 void loadcmd(tscript& s) {
@@ -51,7 +43,7 @@ void forcedcmd(tscript& s) {
 
 void loadrawcmd(tscript& s) {
   if (!checkparams(s, 4)) return;
-  const utf16 name = filename(param(s, 1));
+  const utf16 name = firstmatch(param(s, 1));
   if (empty(name)) return;
   const int64_t header = textnat(param(s, 2)), w = textnat(param(s, 3)), h = textnat(param(s, 4));
   timagefield& f = currentfield(imageworkspace);

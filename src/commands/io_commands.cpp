@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "commands/families.h"
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
 #include "library/filelist.h"
 #include "library/filenames.h"
 #include "library/fileops.h"

@@ -3,6 +3,7 @@
 #include <array>
 #include <limits>
 
+#include "commands/threads.h"
 #include "commands/scalar_rows.h"
 #include "field/workspaces.h"
 #include "ops/filter.h"

@@ -12,7 +12,6 @@
 
 #include "field/arrays.h"
 #include "field/grid.h"
-#include "script/registry.h"
 #include "shell/console.h"
 
 struct tworkspacewords {
@@ -171,31 +170,6 @@ F* workspacetarget(tworkspacelist<F>& w, const utf16& name) {
   int64_t i = workspacefind(w, key);
   if (i == 0) i = workspaceappend(w, key);
   return workspaceentry(w, i);
-}
-
-// The result of a command that reads the current field: writing into its own source
-// would destroy what it reads, so the current entry as target is a syntax error (nil).
-template <class F>
-F* workspacetargetstrict(tscript& s, tworkspacelist<F>& w, const utf16& name) {
-  ready(w);
-  const utf16 key = lookupkey(name);
-  if (workspaceentry(w, workspacefind(w, key)) == w.current) {
-    const utf16 field = w.words->field;
-    reportsyntax(s, "Same illegal assigment (" + field + "[" + key + "] := function " + field + "[" +
-                        w.names.getchecked(w.index) + "])!");
-    return nullptr;
-  }
-  return workspacetarget(w, key);
-}
-
-// A source operand: the entry of the name, or an error and nil.
-template <class F>
-F* workspaceoperand(tscript& s, tworkspacelist<F>& w, const utf16& name) {
-  ready(w);
-  const utf16 key = lookupkey(name);
-  F* f = workspaceentry(w, workspacefind(w, key));
-  if (!f) reporterror(s, "Empty " + utf16(w.words->field) + "[" + key + "]");
-  return f;
 }
 
 // How a result meets its target. An empty target is sized as the command chooses, keeps

@@ -9,7 +9,7 @@
 #include <initializer_list>
 #include <vector>
 
-#include "formats/imagefile.h"
+#include "formats/imagecodec.h"
 #include "shell/console.h"
 #include "shell/files.h"
 

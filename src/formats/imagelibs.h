@@ -31,3 +31,6 @@ bool freeimageload(timagefield& f, const utf16& name);
 bool freeimagesave(timagefield& f, const utf16& name);
 bool magickload(timagefield& f, const utf16& name);
 bool magicksave(timagefield& f, const utf16& name);
+
+// The formats the libraries add, as the help lists them behind the own ones.
+inline constexpr const char* imagelibrarynote = "TGA, TIF, PNG, JPG, GIF through FreeImage or ImageMagick";

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <vector>
 
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
 #include "formats/niftiraw.h"
 #include "script/values.h"
 #include "shell/console.h"

@@ -11,7 +11,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "formats/gzip.h"
+#include "base/gzip.h"
 #include "shell/console.h"
 
 namespace {

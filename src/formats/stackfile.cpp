@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "field/imagefield.h"
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
 #include "formats/imagefile.h"
 #include "library/filelist.h"
 #include "shell/console.h"

@@ -6,7 +6,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "formats/linefile.h"
+#include "base/linefile.h"
 #include "script/values.h"
 #include "shell/console.h"
 #include "shell/files.h"

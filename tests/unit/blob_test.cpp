@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include "formats/gzip.h"
+#include "base/gzip.h"
 #include "library/blob.h"
 
 namespace {

@@ -3,7 +3,9 @@
 #include "imagetest.h"
 
 #include "formats/imagefile.h"
+#include "formats/bmp.h"
 #include "formats/imgf.h"
+#include "formats/pnm.h"
 #include "formats/raw.h"
 #include "formats/rgb.h"
 #include "formats/tga.h"
@@ -249,12 +251,18 @@ TEST(Tga, HeaderAndBottomUpBgrRows) {
 }
 
 TEST(Dispatch, ReadersAndWritersByExtensionAndKind) {
-  EXPECT_EQ(ownreader("a.PGM"), townreader::pnm);
-  EXPECT_EQ(ownreader("a.pam.gz"), townreader::pnm);
-  EXPECT_EQ(ownreader("a.dib"), townreader::bmp);
-  EXPECT_EQ(ownreader("a.t2"), townreader::imgf);
-  EXPECT_EQ(ownreader("a.png"), townreader::none);
-  EXPECT_EQ(ownreader("a.gz"), townreader::none);
+  const auto reader = [](const char* ext) {
+    const timageformat* r = formatrow(imageformats(), utf16(ext), false);
+    return r ? r->read : nullptr;
+  };
+  EXPECT_EQ(reader("pgm"), pnmread);
+  EXPECT_EQ(reader("pam.gz"), pnmread);
+  EXPECT_EQ(reader("dib"), bmpread);
+  EXPECT_EQ(reader("t2"), imgfread);
+  EXPECT_EQ(reader("png"), nullptr);
+  EXPECT_EQ(reader("gz"), nullptr);
+  // The help lists what the table writes, in the words users know.
+  EXPECT_EQ(imageoutputnote(), "PNM (PBM, PGM, PPM), BMP (DIB), TGA, TIF, PNG");
   EXPECT_EQ(utf16toutf8(writername("a.foo", ".ppm")), "a.foo.ppm");
   EXPECT_EQ(utf16toutf8(writername("a.pnm", ".ppm")), "a.pnm");
   EXPECT_EQ(utf16toutf8(writername("a.ppm.gz", ".ppm.gz")), "a.ppm.gz");

@@ -3,7 +3,7 @@
 #include <fstream>
 #include <string>
 
-#include "formats/gzip.h"
+#include "base/gzip.h"
 #include "script/linestore.h"
 
 namespace {

@@ -9,7 +9,7 @@
 
 #include "field/memory.h"
 #include "field/scalarfield.h"
-#include "formats/gzip.h"
+#include "base/gzip.h"
 #include "formats/nifti.h"
 #include "formats/niftiheader.h"
 #include "formats/niftiraw.h"
