@@ -38,14 +38,6 @@ TEST(Registry, DoubleMembersInOneScopeAreRefused) {
   EXPECT_FALSE(regscript(s, "twice", 2, kind_procedure, 9));
 }
 
-TEST(Registry, PrefixAndBlanksShapeTheName) {
-  tscript s;
-  setprefix(s, "image.");
-  regproc(s, "Set Value", nothing);
-  clearprefix(s);
-  EXPECT_EQ(utf16toutf8(s.members[0].name), "image.set.value");
-}
-
 TEST(Variables, ScopesDieWithTheirLevelAndGlobalsStaySorted) {
   tscript s;
   setvar(s, "outer", "1");
