@@ -12,6 +12,7 @@
 #include <type_traits>
 
 #include "base/gzip.h"
+#include "field/owned.h"
 #include "shell/console.h"
 
 namespace {
@@ -74,16 +75,11 @@ tfastinflate fastinflate(tvoxelsource& s, const tbytelist& packed) {
 // All members of a gzip file inflated into s.memory. The size stored in the last member's
 // trailer is the first guess of the room needed; the room doubles when it runs out.
 bool inflatewhole(tvoxelsource& s) {
-  tbytelist packed{};
-  if (!readpacked(s, packed)) {
-    packed.release();
-    return false;
-  }
+  tlocalarray<tbytelist> whole;
+  tbytelist& packed = *whole;
+  if (!readpacked(s, packed)) return false;
   const tfastinflate fast = fastinflate(s, packed);
-  if (fast != tfastinflate::declined) {
-    packed.release();
-    return fast == tfastinflate::done;
-  }
+  if (fast != tfastinflate::declined) return fast == tfastinflate::done;
   const int64_t n = packed.length;
   const int64_t room = std::max<int64_t>(1 << 16, trailersize(packed));
   s.memory.create(room);
@@ -122,7 +118,6 @@ bool inflatewhole(tvoxelsource& s) {
     if (status != Z_OK || (z.avail_in == 0 && fed >= n && z.avail_out > 0)) ok = false;
   }
   inflateEnd(&z);
-  packed.release();
   if (!ok || status != Z_STREAM_END) {
     s.memory.release();
     return false;
@@ -345,7 +340,8 @@ bool eachblock(tvoxelsource& src, const trawvolume& r, const utf16& label, doubl
   const int64_t total = fieldcount(r.size[0], r.size[1], r.size[2]);
   const int64_t rows = std::max<int64_t>(1, 1048575 / std::max<int64_t>(r.size[0], 1));
   const int64_t step = std::min(total, rows * r.size[0]);
-  tbytelist buffer{};
+  tlocalarray<tbytelist> rowbuffer;
+  tbytelist& buffer = *rowbuffer;
   if (!src.packed) {
     buffer.create(step * bytes);
     if (buffer.length < step * bytes) return false;
@@ -363,7 +359,6 @@ bool eachblock(tvoxelsource& src, const trawvolume& r, const utf16& label, doubl
     progress(label, from + (to - from) * static_cast<double>(done) / static_cast<double>(total));
   }
   progressend();
-  buffer.release();
   return complete;
 }
 
@@ -450,10 +445,9 @@ bool sourceseek(tvoxelsource& s, int64_t position) {
   }
   // Forward by reading: the file layer has no seek, and what is passed over is small
   // beside what is read.
-  tbytelist skip{};
+  tlocalarray<tbytelist> skip;
   bool ok = true;
-  while (ok && s.position < position) ok = sourcetake(s, std::min(readstep, position - s.position), skip) != nullptr;
-  skip.release();
+  while (ok && s.position < position) ok = sourcetake(s, std::min(readstep, position - s.position), *skip) != nullptr;
   return ok;
 }
 

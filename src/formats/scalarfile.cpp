@@ -3,6 +3,7 @@
 #include <string>
 
 #include "base/filebuffer.h"
+#include "field/owned.h"
 #include "formats/nifti.h"
 #include "formats/niftiraw.h"
 #include "formats/stackfile.h"
@@ -106,7 +107,8 @@ bool scalarloadproperties(tscalarfield& f, const utf16& name) {
 
 void scalarappend(tscalarfield& f, const utf16& name, bool center) {
   if (empty(name)) return;
-  tscalarfield source{};
+  tlocalfield<tscalarfield> loaded;
+  tscalarfield& source = *loaded;
   setloadfilter(source, f.filteradd, f.filtermul);
   scalarload(source, f.kind ? f.kind : uint8_t{scalarfullgray}, name);
   if (!fieldempty(source)) {
@@ -127,7 +129,6 @@ void scalarappend(tscalarfield& f, const utf16& name, bool center) {
     }
     progressend();
   }
-  fieldrelease(source);
 }
 
 bool scalarsave(const tscalarfield& f, const utf16& name) {

@@ -16,13 +16,6 @@ namespace {
 constexpr tworkspacewords listwords{"list", "list", "  List (", "  Listlist empty!", "list"};
 constexpr const char* kindnames[] = {"nat", "real", "complex", "vector", "hyper", "chars"};
 
-tworkspacelist<tlist> makelistworkspace() {
-  tworkspacelist<tlist> w{};
-  w.words = &listwords;
-  w.startkind = list_real;
-  w.defaultkind = list_real;
-  return w;
-}
 
 // What a list needs of its element type: reading it from text, printing it, and its
 // four-component form, in which the stack holds values and the statistics see them.
@@ -183,7 +176,7 @@ utf16 extreme(const tlist& l) {
 
 }  // namespace
 
-tworkspacelist<tlist> listworkspace = makelistworkspace();
+tworkspacelist<tlist> listworkspace(&listwords, list_real);
 double outlierfactor = 1.5;
 
 void fieldcreate(tlist& l, uint8_t kind) {

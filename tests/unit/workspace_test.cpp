@@ -70,8 +70,8 @@ void targetrule(tworkspacelist<F>& w, const std::string& word) {
   EXPECT_EQ(workspacetarget(w, ""), workspaceentry(w, 1));
   EXPECT_EQ(workspacetarget(w, "Img"), current);
   F* fresh = workspacetarget(w, "new");
-  EXPECT_EQ(workspacefind(w, "NEW"), w.objects.length);
-  EXPECT_EQ(fresh, workspaceentry(w, w.objects.length));
+  EXPECT_EQ(workspacefind(w, "NEW"), workspacecount(w));
+  EXPECT_EQ(fresh, workspaceentry(w, workspacecount(w)));
   EXPECT_EQ(w.current, current);  // a target is not selected
   EXPECT_EQ(workspacetargetstrict(s, w, "new"), fresh);
   EXPECT_FALSE(s.halted);
@@ -84,11 +84,11 @@ void targetrule(tworkspacelist<F>& w, const std::string& word) {
   s.halted = false;
   EXPECT_EQ(workspaceoperand(s, w, "new"), fresh);
   EXPECT_EQ(workspaceoperand(s, w, ""), workspaceentry(w, 1));
-  const int64_t count = w.objects.length;
+  const int64_t count = workspacecount(w);
   lines = printed([&] { EXPECT_EQ(workspaceoperand(s, w, "gone"), nullptr); });
   ASSERT_EQ(lines.size(), 1u);
   EXPECT_EQ(lines[0].rfind("Error (Empty " + word + "[GONE])", 0), 0u) << lines[0];
-  EXPECT_EQ(w.objects.length, count);  // an operand is never created
+  EXPECT_EQ(workspacecount(w), count);  // an operand is never created
   EXPECT_TRUE(s.halted);
 }
 
