@@ -11,8 +11,6 @@
 
 namespace {
 
-std::string text(const utf16& t) { return utf16toutf8(t); }
-
 // inverse * matrix is the identity, within rounding.
 void expectinverse(const tspatial& s) {
   for (int i = 0; i < 3; ++i)
