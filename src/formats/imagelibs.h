@@ -26,6 +26,12 @@ std::string imagelibrarystatus(const timagelibrary& l);
 // The enable and disable commands: a library that is not there stays off.
 void imagelibraryenable(timagelibrary& l, bool on);
 
+// Each library's own opening and end, behind imagelibrariesopen and imagelibrariesclose.
+void openfreeimage();
+void closefreeimage();
+void openmagick();
+void closemagick();
+
 // True when the library is enabled and did the work; false lets the next one try.
 bool freeimageload(timagefield& f, const utf16& name);
 bool freeimagesave(timagefield& f, const utf16& name);
