@@ -36,8 +36,10 @@ def main():
         n = lines(paths)
         test_lines += n
         print(f"{name:>8}: {n:6d} lines in {len(paths)} files")
+    expected = lines([p for p in groups["macro"] if p.suffix == ".expected"])
     print(f"    code: {code_lines:6d} lines in {len(code)} files")
     print(f"   share: {test_lines / code_lines:.2f} (tests {test_lines} / code {code_lines})")
+    print(f"   share without the expected console texts: {(test_lines - expected) / code_lines:.2f}")
 
 
 if __name__ == "__main__":
