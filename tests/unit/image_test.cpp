@@ -2,12 +2,13 @@
 // smaller raster formats (own RGB, raw, IMGF, TGA) with the choice of reader and writer.
 #include "imagetest.h"
 
-#include "formats/imagefile.h"
 #include "formats/bmp.h"
+#include "formats/imagefile.h"
 #include "formats/imgf.h"
 #include "formats/pnm.h"
 #include "formats/raw.h"
 #include "formats/rgb.h"
+#include "formats/scalarfile.h"
 #include "formats/tga.h"
 
 using namespace imagetest;
@@ -225,6 +226,7 @@ TEST(Dispatch, ReadersAndWritersByExtensionAndKind) {
   EXPECT_EQ(reader("gz"), nullptr);
   // The help lists what the table writes, in the words users know.
   EXPECT_EQ(imageoutputnote(), "PNM (PBM, PGM, PPM), BMP (DIB), TGA, TIF, PNG");
+  EXPECT_EQ(scalaroutputnote(), "HDR, NII, gz NII, PNM, BMP, TGA, TIF, PNG");
   EXPECT_EQ(utf16toutf8(writername("a.foo", ".ppm")), "a.foo.ppm");
   EXPECT_EQ(utf16toutf8(writername("a.pnm", ".ppm")), "a.pnm");
   EXPECT_EQ(utf16toutf8(writername("a.ppm.gz", ".ppm.gz")), "a.ppm.gz");
