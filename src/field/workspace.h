@@ -38,6 +38,7 @@ struct tworkspacelist {
       : words(w), startkind(kind), defaultkind(kind) {}
   tworkspacelist(const tworkspacelist&) = delete;
   tworkspacelist& operator=(const tworkspacelist&) = delete;
+  // The fields go with their pointers; the names are a guarded record, given back by hand.
   ~tworkspacelist() { names.release(); }
 };
 
