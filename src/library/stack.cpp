@@ -5,6 +5,8 @@
 #include <numbers>
 #include <vector>
 
+#include "field/owned.h"
+
 namespace {
 
 tquadlist stack{};
@@ -136,13 +138,13 @@ void whole() {
   tquadlist& st = operandstack();
   if (st.length < 1) return;
   thyper result{};
-  treallist component{};
+  tlocalarray<treallist> samples;
+  treallist& component = *samples;
   component.create(st.length);
   for (size_t c = 0; c < 4; ++c) {
     for (int64_t i = 1; i <= component.length; ++i) component.put(i, st.get(i)[c]);
     result[c] = f(component);
   }
-  component.release();
   st.resize(0);
   stackpush(result);
 }
