@@ -1,6 +1,7 @@
 // The mesh and line families: their workspaces.
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/mesh_rows.h"
 #include "field/workspaces.h"
 
 namespace {
@@ -16,7 +17,7 @@ const tcommand linerows[] = {
 }  // namespace
 
 tcommandfamily meshcommands() {
-  static const std::vector<tcommand> rows = prefixed("mesh.", {workspacerows<meshworkspace>(), meshrows});
+  static const std::vector<tcommand> rows = prefixed("mesh.", {workspacerows<meshworkspace>(), meshrows, meshbuildrows(), meshfilerows()});
   return {"mesh.", rows};
 }
 

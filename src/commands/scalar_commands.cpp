@@ -34,6 +34,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), scalarsurfacerows()});
   return {"scalar.", rows};
 }

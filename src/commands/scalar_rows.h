@@ -9,3 +9,5 @@ std::span<const tcommand> scalarfieldrows();
 std::span<const tcommand> scalarfilerows();
 std::span<const tcommand> scalarfilterrows();
 std::span<const tcommand> scalarcombinerows();
+// Surfaces into the current mesh (mesh_surface_commands.cpp).
+std::span<const tcommand> scalarsurfacerows();

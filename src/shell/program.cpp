@@ -9,6 +9,7 @@
 #include "field/workspaces.h"
 #include "formats/imagefile.h"
 #include "formats/imagelibs.h"
+#include "formats/meshfile.h"
 #include "formats/scalarfile.h"
 #include "script/run.h"
 #include "script/tscript.h"
@@ -46,7 +47,7 @@ constexpr tscriptoption inputoptions[] = {
     {"scalar.input", "scalar.input", "scalar.nii.gz", "scalar field input file", nullptr, scalarinputnote},
     {"vector.input", "vector.input", "vector.nii.gz", "vector field input file", "HDR, NII, gz NII, FLD, AM"},
     {"tensor.input", "tensor.input", "tensor.nii.gz", "tensor field input file", "HDR, NII, gz NII, NHDR, NRRD"},
-    {"mesh.input", "mesh.input", "input.obj", "mesh input file", "OBJ, PLY, STL, DXF, WRL, IV, POV, ASC, CSV, PRN"},
+    {"mesh.input", "mesh.input", "input.obj", "mesh input file", nullptr, meshinputnote},
 };
 
 constexpr tscriptoption transformoptions[] = {
@@ -63,7 +64,7 @@ constexpr tscriptoption outputoptions[] = {
     {"scalar.type", "scalar.type", "nii.gz", "scalar field output type", nullptr, scalaroutputnote},
     {"vector.type", "vector.type", "nii.gz", "vector field output type", "HDR, NII, gz NII, FLD, AM"},
     {"tensor.type", "tensor.type", "nii.gz", "tensor field output type", "HDR, NII, gz NII, NHDR, NRRD"},
-    {"mesh.type", "mesh.type", "obj", "mesh output type", "OBJ, DXF, ASC, CSV, PRN, POV, INC, sPOV, sINC, nPOV, nINC"},
+    {"mesh.type", "mesh.type", "obj", "mesh output type", nullptr, meshoutputnote},
 };
 
 template <size_t n>
