@@ -83,7 +83,7 @@ bool meshsaveas(const tmesh& m, const utf16& name, const char* ext, const char* 
     target = filestem(name) + suffix;
   else if (oneof(own, {"asc", "csv", "prn"}) && oneof(utf16(ext), {"asc", "csv", "prn"}))
     target = name;
-  else if (!formatextension(r->extensions, own) && !equalutf8(own, ext))
+  else if (!formatextension(r->extensions, own) && !equalutf8(own, suffix + 1))
     target = name + suffix;
   return r->write(m, target, options);
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-bool separator(char c) { return c == ' ' || c == '\t' || c == ',' || c == ';' || c == '<' || c == '>' || c == '\r' || c == '{' || c == '}'; }
+bool separator(char c) { return c == ' ' || c == '\t' || c == ',' || c == ';' || c == '<' || c == '>' || c == '\r' || c == '\n' || c == '{' || c == '}'; }
 
 }  // namespace
 

@@ -184,28 +184,31 @@ void cubes(tmesh& m, const tscalarfield& f, const A& a, double low, double high)
   };
   const tvector ex = scaled(f.space.matrix[0], 0.45), ey = scaled(f.space.matrix[1], 0.45), ez = scaled(f.space.matrix[2], 0.45);
   const tvector nx = normalised(ex), ny = normalised(ey), nz = normalised(ez);
-  // Each face: its outward axis, the two axes spanning it in counter-clockwise order seen
-  // from outside, and the neighbour's offset. Order +z, -z, +x, -x, +y, -y.
-  struct tside {
-    tvector out, u, v, normal;
-    tnatvector step;
-  };
   auto neg = [](const tvector& a) { return scaled(a, -1); };
-  const tside sides[6] = {{ez, ex, ey, nz, {0, 0, 1}},      {neg(ez), ey, ex, neg(nz), {0, 0, -1}},
-                          {ex, ey, ez, nx, {1, 0, 0}},      {neg(ex), ez, ey, neg(nx), {-1, 0, 0}},
-                          {ey, ez, ex, ny, {0, 1, 0}},      {neg(ey), ex, ez, neg(ny), {0, -1, 0}}};
+  // Each face: the neighbour's offset, its outward normal and its corners (numbered as the
+  // cube corners) counter-clockwise seen from outside. Order +z, -z, +x, -x, +y, -y.
+  struct tside {
+    tnatvector step;
+    tvector normal;
+    std::array<int, 4> corners;
+  };
+  const tside sides[6] = {{{0, 0, 1}, nz, {4, 5, 6, 7}},      {{0, 0, -1}, neg(nz), {0, 3, 2, 1}},
+                          {{1, 0, 0}, nx, {1, 2, 6, 5}},      {{-1, 0, 0}, neg(nx), {0, 4, 7, 3}},
+                          {{0, 1, 0}, ny, {3, 7, 6, 2}},      {{0, -1, 0}, neg(ny), {0, 1, 5, 4}}};
   for (int64_t z = 1; z <= size[2]; ++z) {
     progress("Calculate cubic surface", static_cast<double>(z) / size[2]);
     for (int64_t y = 1; y <= size[1]; ++y)
       for (int64_t x = 1; x <= size[0]; ++x) {
         if (!in(x, y, z)) continue;
         const tvector c = localtoglobal(f.space, {static_cast<double>(x), static_cast<double>(y), static_cast<double>(z)});
+        std::array<tvector, 8> corner;
+        for (int k = 0; k < 8; ++k)
+          corner[k] = added(added(added(c, scaled(ex, 2 * cubecorners[k][0] - 1)), scaled(ey, 2 * cubecorners[k][1] - 1)),
+                            scaled(ez, 2 * cubecorners[k][2] - 1));
         for (const tside& sd : sides) {
           if (in(x + sd.step[0], y + sd.step[1], z + sd.step[2])) continue;
-          const tvector o = added(c, sd.out);
-          auto corner = [&](double su, double sv) { return added(o, added(scaled(sd.u, su), scaled(sd.v, sv))); };
-          addquad(m, {corner(-1, -1), corner(1, -1), corner(1, 1), corner(-1, 1)}, {sd.normal, sd.normal, sd.normal, sd.normal},
-                  {0, 0, 0});
+          addquad(m, {corner[sd.corners[0]], corner[sd.corners[1]], corner[sd.corners[2]], corner[sd.corners[3]]},
+                  {sd.normal, sd.normal, sd.normal, sd.normal}, {0, 0, 0});
         }
       }
   }
