@@ -70,8 +70,8 @@ using enum tcommandkind;
 const tcommand rows[] = {
     {"put", procedure, putcmd<false>, nullptr, "put <p1> <p2> <p3> (<p4>) (<n1> <n2> <n3> (<n4>)) // add a face, points shared"},
     {"put.color", procedure, putcmd<true>, nullptr, "put.color <p1> <p2> <p3> (<p4>) (normals) <r, g, b> // the same with a colour 0..1"},
-    {"copy", procedure, copycmd<false>, nullptr, "copy 0.5 // new := mesh.copy (factor): a scaled copy of the mesh"},
-    {"copyscale", procedure, copycmd<true>, nullptr, "copyscale <1, 1, 2> // new := mesh.copyscale <x, y, z>: the same per axis"},
+    eitherway("copy", copycmd<false>, "copy 0.5 // new := mesh.copy (factor): a scaled copy of the mesh"),
+    eitherway("copyscale", copycmd<true>, "copyscale <1, 1, 2> // new := mesh.copyscale <x, y, z>: the same per axis"),
     {"verification", procedure, verificationcmd, nullptr, "verification // remove doubled points, faces keep their shape"},
     {"split", procedure, splitcmd, nullptr, "split 1 // keep the largest connected parts visible (count, optional minimal faces)"},
     {"digits", procedure, digitscmd, nullptr, "digits 0 // significant digits of obj, ply and dxf files; 0 writes all"},

@@ -1,5 +1,6 @@
 #include "formats/meshtext.h"
 
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -100,17 +101,19 @@ bool hasnormals(const tmesh& m) {
 bool hascolors(const tmesh& m) { return m.colors.length > 0 && m.colors.length >= m.points.length; }
 
 bool meshwritefile(const utf16& name, std::string_view bytes) {
-  const utf16 temporary = name + ".part";
-  println("Write file (" + shortname(name) + ").");
-  tfile f;
-  if (!writefile(f, temporary, true)) return false;
-  const bool written = writeblock(f, bytes.data(), bytes.size());
-  if (!closefile(f) || !written) {
-    std::remove(systempath(temporary).c_str());
+  // The temporary name is the file's own with ".part": a failed write never leaves a
+  // half file under the name, and a failure to open is reported under the name.
+  const std::string target = systempath(name), temporary = target + ".part";
+  FILE* f = std::fopen(temporary.c_str(), "wb");
+  if (!f) {
+    checkio(name, iocodefromerrno(errno, target));
     return false;
   }
-  if (std::rename(systempath(temporary).c_str(), systempath(name).c_str()) != 0) {
-    std::remove(systempath(temporary).c_str());
+  println("Write file (" + shortname(name) + ").");
+  const bool written = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size();
+  const bool closed = std::fclose(f) == 0;
+  if (!written || !closed || std::rename(temporary.c_str(), target.c_str()) != 0) {
+    std::remove(temporary.c_str());
     checkio(name, io_writeerror);
     return false;
   }
