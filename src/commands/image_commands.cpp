@@ -3,6 +3,7 @@
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/level_handlers.h"
+#include "commands/morphology_handlers.h"
 #include "field/workspaces.h"
 
 namespace {
@@ -33,7 +34,7 @@ const tcommand imagerows[] = {
 
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
-      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), imagecolourrows(),
+      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), morphologyrows<imageworkspace>(), imagemorphologyrows(), imagecolourrows(),
                           spatialrows<imageworkspace>()});
   return {"image.", rows};
 }

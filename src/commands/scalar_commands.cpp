@@ -3,6 +3,7 @@
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/level_handlers.h"
+#include "commands/morphology_handlers.h"
 #include "commands/scalar_rows.h"
 #include "field/workspaces.h"
 
@@ -34,6 +35,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), morphologyrows<scalarworkspace>(), scalarmorphologyrows()});
   return {"scalar.", rows};
 }
