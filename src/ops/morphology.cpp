@@ -91,14 +91,25 @@ class tmorphpass {
     }
   }
 
+  // The candidates first, in a loop without branches; the few that change after it.
   void visitplane(int64_t z, std::vector<std::pair<int64_t, T>>& changes) {
     const T* p = g.v + z * area;
     const uint8_t *below = counts[0].data(), *mid = counts[1].data(), *above = counts[2].data();
-    for (int64_t i = 0; i < area; ++i) {
-      const int64_t k = planar ? mid[i] : below[i] + mid[i] + above[i];
-      if (k <= n || k >= cap || decides(p[i])) continue;
-      changes.emplace_back(z * area + i, newvalue(i % g.nx, i / g.nx, z));
+    uint8_t* hit = ind.data();
+    const auto lo = static_cast<uint8_t>(n), hi = static_cast<uint8_t>(cap);
+    const int64_t rlo = s.range.lo, rhi = s.range.hi;
+    const bool in = grow;
+    if (planar) {
+      for (int64_t i = 0; i < area; ++i)
+        hit[i] = (mid[i] > lo) & (mid[i] < hi) & (((p[i] >= rlo) & (p[i] <= rhi)) != in);
+    } else {
+      for (int64_t i = 0; i < area; ++i) {
+        const auto k = static_cast<uint8_t>(below[i] + mid[i] + above[i]);
+        hit[i] = (k > lo) & (k < hi) & (((p[i] >= rlo) & (p[i] <= rhi)) != in);
+      }
     }
+    for (int64_t i = 0; i < area; ++i)
+      if (hit[i]) changes.emplace_back(z * area + i, newvalue(i % g.nx, i / g.nx, z));
   }
 
   // The given value, or the mean or most frequent value of the deciding neighbours.
@@ -107,11 +118,12 @@ class tmorphpass {
     std::array<int64_t, 26> found;
     int64_t k = 0, sum = 0;
     const int64_t depth = planar ? 0 : 1;
+    const bool inner = x > 0 && y > 0 && x < g.nx - 1 && y < g.ny - 1 && (planar || (z > 0 && z < g.nz - 1));
     for (int64_t dz = -depth; dz <= depth; ++dz)
       for (int64_t dy = -1; dy <= 1; ++dy)
         for (int64_t dx = -1; dx <= 1; ++dx) {
           if (dx == 0 && dy == 0 && dz == 0) continue;
-          const T v = g.at(x + dx, y + dy, z + dz);
+          const T v = inner ? g(x + dx, y + dy, z + dz) : g.at(x + dx, y + dy, z + dz);
           if (!decides(v)) continue;
           found[k++] = v;
           sum += v;
