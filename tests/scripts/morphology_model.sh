@@ -26,6 +26,10 @@ m[2:10, 2:12, 2:14] = 1; m[4:8, 4:10, 4:12] = 0; m[5, 6, 6] = 1
 m |= (rng.random(m.shape) < 0.25).astype(np.uint8)
 nii("mask.nii", m * 9, np.uint8)
 nii("blob.nii", (rng.random((10, 12, 14)) < 0.1) * 200, np.uint8)
+from PIL import Image
+m2 = np.zeros((20, 24), np.uint8); m2[3:15, 4:20] = 200; m2[6:10, 8:12] = 0; m2[12, 10] = 0
+m2[rng.random(m2.shape) < 0.2] = 200
+Image.fromarray(m2).save("mask.pgm")
 EOF
 
 cat > m.macro <<'EOF'
@@ -55,6 +59,14 @@ scalar.load "g16.nii"
 scalar.shrink <14000, 65535> 11
 scalar.save "o_shrink16.nii"
 scalar.8bit
+scalar.load "g8.nii"
+scalar.remove.outliers 1
+scalar.save "o_outliers.nii"
+image.8bit
+image.load "mask.pgm"
+image.value 99
+image.fill.holes <128, 255>
+image.save "o_holes.pgm"
 scalar.use masks
 scalar.load "mask.nii"
 scalar.fill.holes <9, 9> 9
@@ -127,6 +139,20 @@ same("grow.label", load("o_growlabel.nii"), model(lab, 2, 3, 4, "grow", label=Tr
 m = load("mask.nii")
 want = np.where(ndimage.binary_fill_holes(m == 9), 9, m)
 same("fill.holes", load("o_holes.nii"), want)
+def outliers(a, f):
+    p = np.pad(a, 1)
+    out = a.copy()
+    for z, y, x in np.ndindex(a.shape):
+        w = np.sort(p[z:z + 3, y:y + 3, x:x + 3].reshape(-1))
+        q1, med, q3 = w[6], w[13], w[18]  # positions 7, 14 and 19 of 27
+        if abs(a[z, y, x] - med) > f * (q3 - q1): out[z, y, x] = med
+    return out
+same("remove.outliers", load("o_outliers.nii"), outliers(g, 1))
+from PIL import Image
+m2 = np.asarray(Image.open("mask.pgm")).astype(np.int64)
+want = np.where(ndimage.binary_fill_holes(m2 >= 128) & (m2 < 128), 99, m2)
+got = np.asarray(Image.open("o_holes.pgm")).astype(np.int64)
+if not np.array_equal(got, want) or not (got == 99).any(): bad.append("image.fill.holes")
 c1, c2, c5 = load("o_convex1.nii"), load("o_convex2.nii"), load("o_convex5.nii")
 if not (np.array_equal(c1, c2) and np.array_equal(c1, c5)): bad.append("fill.convex depends on the thread count")
 b = load("blob.nii")
