@@ -30,6 +30,8 @@ from PIL import Image
 m2 = np.zeros((20, 24), np.uint8); m2[3:15, 4:20] = 200; m2[6:10, 8:12] = 0; m2[12, 10] = 0
 m2[rng.random(m2.shape) < 0.2] = 200
 Image.fromarray(m2).save("mask.pgm")
+z = rng.integers(1, 256, (9, 11)).astype(np.uint8); z[rng.random(z.shape) < 0.5] = 0; z[:, :3] = 0
+Image.fromarray(z).save("zeros.pgm")
 EOF
 
 cat > m.macro <<'EOF'
@@ -67,6 +69,15 @@ image.load "mask.pgm"
 image.value 99
 image.fill.holes <128, 255>
 image.save "o_holes.pgm"
+image.load "zeros.pgm"
+image.fill.zero
+image.save "o_zero.pgm"
+image.load "zeros.pgm"
+image.fill.gap
+image.save "o_gap.pgm"
+image.load "zeros.pgm"
+image.fill.gap <2, 2> <6, 5>
+image.save "o_gapbox.pgm"
 scalar.use masks
 scalar.load "mask.nii"
 scalar.fill.holes <9, 9> 9
@@ -153,6 +164,25 @@ m2 = np.asarray(Image.open("mask.pgm")).astype(np.int64)
 want = np.where(ndimage.binary_fill_holes(m2 >= 128) & (m2 < 128), 99, m2)
 got = np.asarray(Image.open("o_holes.pgm")).astype(np.int64)
 if not np.array_equal(got, want) or not (got == 99).any(): bad.append("image.fill.holes")
+def zeros(a, enclosed, box=None):
+    out = a.copy()
+    h, w = a.shape
+    steps = [(1, 0), (-1, 0), (0, 1), (0, -1), (1, 1), (-1, -1), (1, -1), (-1, 1)]
+    for y, x in np.ndindex(a.shape):
+        if a[y, x] or (box and not (box[0] <= x + 1 <= box[2] and box[1] <= y + 1 <= box[3])): continue
+        s = wt = 0.0
+        found = []
+        for dx, dy in steps:
+            px, py, d = x + dx, y + dy, 1
+            while 0 <= px < w and 0 <= py < h and a[py, px] == 0: px, py, d = px + dx, py + dy, d + 1
+            found.append(0 <= px < w and 0 <= py < h)
+            if found[-1]: s, wt = s + a[py, px] / d, wt + 1 / d
+        closed = any(found[2 * k] and found[2 * k + 1] for k in range(4))
+        if wt > 0 and (closed or not enclosed): out[y, x] = np.rint(s / wt)
+    return out
+zz = np.asarray(Image.open("zeros.pgm")).astype(np.int64)
+for name, want in (("o_zero.pgm", zeros(zz, False)), ("o_gap.pgm", zeros(zz, True)), ("o_gapbox.pgm", zeros(zz, True, (2, 2, 6, 5)))):
+    same(name, np.asarray(Image.open(name)).astype(np.int64), want)
 c1, c2, c5 = load("o_convex1.nii"), load("o_convex2.nii"), load("o_convex5.nii")
 if not (np.array_equal(c1, c2) and np.array_equal(c1, c5)): bad.append("fill.convex depends on the thread count")
 b = load("blob.nii")
