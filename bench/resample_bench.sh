@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Scaled copies: voxmill against skimage and scipy on the same 256^3 gray volume.
+# Scaled copies: voxmill against skimage and scipy on the same 256^3 16-bit volume.
 #   bench/resample_bench.sh [path/to/voxmill]
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)

@@ -135,7 +135,8 @@ void fillholes(timagefield& f, const tmorphrange& range) {
     for (int64_t y = 1; y <= ny; ++y)
       for (int64_t x = 1; x <= nx; ++x) inrange[(x - 1) + nx * (y - 1)] = range.contains(v.getvalue(x, y));
     const std::vector<uint8_t> mark = outsidemarks(nx, ny, 1, inrange);
-    progress("  Fill holes", 0.5);
+    progress("  Search holes", 0.5);
+    progress("  Fill holes", 0.75);
     const trgba value = getvaluergba(f);
     const int64_t plain = getvaluevalue(f);
     for (int64_t y = 1; y <= ny; ++y)
@@ -158,7 +159,8 @@ void fillholes(tscalarfield& f, const tmorphrange& range, int64_t value) {
     progress("  Search outside", 0);
     for (int64_t i = 0; i < g.count(); ++i) inrange[i] = range.contains(g.v[i]);
     const std::vector<uint8_t> mark = outsidemarks(g.nx, g.ny, g.nz, inrange);
-    progress("  Fill holes", 0.5);
+    progress("  Search holes", 0.5);
+    progress("  Fill holes", 0.75);
     const auto fill = static_cast<T>(std::clamp<int64_t>(value, 0, g.top));
     for (int64_t i = 0; i < g.count(); ++i)
       if (!mark[i] && !inrange[i]) g.v[i] = fill;
