@@ -22,8 +22,8 @@ void fillgapcmd(tscript& s) {
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    {"fill.zero", k1, fillzerocmd, nullptr, "fill.zero // replace zero pixels by the inverse-distance mean along 8 directions"},
-    {"fill.gap", k1, fillgapcmd, nullptr,
+    {"fill.zero", procedure, fillzerocmd, nullptr, "fill.zero // replace zero pixels by the inverse-distance mean along 8 directions"},
+    {"fill.gap", procedure, fillgapcmd, nullptr,
      "fill.gap <1, 1> <100, 100> // as fill.zero, for enclosed zero pixels only (in the box)"},
 };
 

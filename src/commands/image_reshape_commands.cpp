@@ -48,17 +48,17 @@ using enum tcommandkind;
 const tcommand rows[] = {
     eitherway("subimage", subimagecmd, "new := subimage <10, 10> <50%, 50%> // copy the block between two corners"),
     eitherway("subimage.rel", subimagerelcmd, "new := subimage.rel <10, 10> <20, 20> // copy the block at position of size"),
-    {"crop", k1, cropcmd, nullptr, "crop 0 // cut to the box of the pixels above 0"},
-    {"flip.x", k1, flipcmd<0>, nullptr, "flip.x // mirror left and right"},
-    {"flip.y", k1, flipcmd<1>, nullptr, "flip.y // mirror top and bottom"},
-    {"rotate.90", k1, rotatecmd<90>, nullptr, "rotate.90 // turn a quarter clockwise"},
-    {"rotate.180", k1, rotatecmd<180>, nullptr, "rotate.180 // turn half round"},
-    {"rotate.270", k1, rotatecmd<270>, nullptr, "rotate.270 // turn a quarter counter-clockwise"},
-    {"rotate.360", k1, rotatecmd<360>, nullptr, "rotate.360 // no turn"},
-    {"rotate.-90", k1, rotatecmd<-90>, nullptr, "rotate.-90 // same as rotate.270"},
-    {"rotate.-180", k1, rotatecmd<-180>, nullptr, "rotate.-180 // same as rotate.180"},
-    {"rotate.-270", k1, rotatecmd<-270>, nullptr, "rotate.-270 // same as rotate.90"},
-    {"rotate.-360", k1, rotatecmd<-360>, nullptr, "rotate.-360 // same as rotate.360"},
+    {"crop", procedure, cropcmd, nullptr, "crop 0 // cut to the box of the pixels above 0"},
+    {"flip.x", procedure, flipcmd<0>, nullptr, "flip.x // mirror left and right"},
+    {"flip.y", procedure, flipcmd<1>, nullptr, "flip.y // mirror top and bottom"},
+    {"rotate.90", procedure, rotatecmd<90>, nullptr, "rotate.90 // turn a quarter clockwise"},
+    {"rotate.180", procedure, rotatecmd<180>, nullptr, "rotate.180 // turn half round"},
+    {"rotate.270", procedure, rotatecmd<270>, nullptr, "rotate.270 // turn a quarter counter-clockwise"},
+    {"rotate.360", procedure, rotatecmd<360>, nullptr, "rotate.360 // no turn"},
+    {"rotate.-90", procedure, rotatecmd<-90>, nullptr, "rotate.-90 // same as rotate.270"},
+    {"rotate.-180", procedure, rotatecmd<-180>, nullptr, "rotate.-180 // same as rotate.180"},
+    {"rotate.-270", procedure, rotatecmd<-270>, nullptr, "rotate.-270 // same as rotate.90"},
+    {"rotate.-360", procedure, rotatecmd<-360>, nullptr, "rotate.-360 // same as rotate.360"},
 };
 
 }  // namespace

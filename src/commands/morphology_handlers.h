@@ -97,31 +97,31 @@ std::span<const tcommand> morphologyrows() {
   using enum tmorphkind;
   constexpr bool image = std::is_same_v<workspacefieldof<W>, timagefield>;
   static const tcommand rows[] = {
-      {"shrink", k1, morphcmd<W, shrink, false>, nullptr,
+      {"shrink", procedure, morphcmd<W, shrink, false>, nullptr,
        image ? "shrink <128, 255> 4 // remove single spots, if 4 neighbors (max 8) outside value or range"
              : "shrink <128, 255> 13 // remove single spots, if 13 neighbors (max 26) outside value or range"},
-      {"erode", k1, morphcmd<W, shrink, false>, nullptr, "erode // same as shrink"},
-      {"grow", k1, morphcmd<W, grow, false>, nullptr,
+      {"erode", procedure, morphcmd<W, shrink, false>, nullptr, "erode // same as shrink"},
+      {"grow", procedure, morphcmd<W, grow, false>, nullptr,
        image ? "grow <128, 255> 4 1 // replace single hole with 1, if 4 neighbors (max 8) inside value or range"
              : "grow <128, 255> 13 1 // replace single hole with 1, if 13 neighbors (max 26) inside value or range"},
-      {"dilate", k1, morphcmd<W, grow, false>, nullptr, "dilate // same as grow"},
-      {"fullshrink", k1, morphcmd<W, shrink, true>, nullptr,
+      {"dilate", procedure, morphcmd<W, grow, false>, nullptr, "dilate // same as grow"},
+      {"fullshrink", procedure, morphcmd<W, shrink, true>, nullptr,
        image ? "fullshrink <128, 255> 4 // loop image.shrink until be found no more shrinking points or iteration steps > 9999"
              : "fullshrink <128, 255> 13 // loop scalar.shrink until be found no more shrinking points or iteration steps > 9999"},
-      {"fullerode", k1, morphcmd<W, shrink, true>, nullptr, "fullerode // same as fullshrink"},
-      {"ultimate_erosion", k1, morphcmd<W, shrink, true>, nullptr, "ultimate_erosion // same as fullshrink"},
-      {"fullgrow", k1, morphcmd<W, grow, true>, nullptr,
+      {"fullerode", procedure, morphcmd<W, shrink, true>, nullptr, "fullerode // same as fullshrink"},
+      {"ultimate_erosion", procedure, morphcmd<W, shrink, true>, nullptr, "ultimate_erosion // same as fullshrink"},
+      {"fullgrow", procedure, morphcmd<W, grow, true>, nullptr,
        image ? "fullgrow <128, 255> 4 // loop image.grow until be found no more growing points or iteration steps > 9999"
              : "fullgrow <128, 255> 13 // loop scalar.grow until be found no more growing points or iteration steps > 9999"},
-      {"fulldilate", k1, morphcmd<W, grow, true>, nullptr, "fulldilate // same as fullgrow"},
-      {"ultimate_dilation", k1, morphcmd<W, grow, true>, nullptr, "ultimate_dilation // same as fullgrow"},
-      {"open", k1, openclosecmd<W, false>, nullptr,
+      {"fulldilate", procedure, morphcmd<W, grow, true>, nullptr, "fulldilate // same as fullgrow"},
+      {"ultimate_dilation", procedure, morphcmd<W, grow, true>, nullptr, "ultimate_dilation // same as fullgrow"},
+      {"open", procedure, openclosecmd<W, false>, nullptr,
        "open <128, 255> 4 4 1 1 // shrink <128, 255> 4 1 + grow <128, 255> 4 1"},
-      {"close", k1, openclosecmd<W, true>, nullptr,
+      {"close", procedure, openclosecmd<W, true>, nullptr,
        "close <128, 255> 4 4 1 1 // grow <128, 255> 4 1 + shrink <128, 255> 4 1"},
-      {"remove.outliers", k1, outlierscmd<W>, nullptr,
+      {"remove.outliers", procedure, outlierscmd<W>, nullptr,
        "remove.outliers 2 // if value outside of median+/-(factor * abs(q.25-q.75))"},
-      {"fill.holes", k1, fillholescmd<W>, nullptr,
+      {"fill.holes", procedure, fillholescmd<W>, nullptr,
        image ? "fill.holes <5, 15> // fill holes with image.value from structures 5..15"
              : "fill.holes <5, 15> 1 // fill holes with 1 (or scalar.value) from structures 5..15"},
   };

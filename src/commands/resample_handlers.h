@@ -52,7 +52,7 @@ template <auto& W>
 std::span<const tcommand> resamplerows() {
   using enum tcommandkind;
   static const tcommand rows[] = {
-      {"copy.method", k1, copymethodcmd<W>, nullptr,
+      {"copy.method", procedure, copymethodcmd<W>, nullptr,
        "copy.method 1 // binning: 0 sum, 1 mean, 2 sd, 3 min, 4 Q.25, 5 median, 6 Q.75, 7 max; upscaling volumes: "
        "0 block, 1 trilinear, 2 Lanczos"},
       eitherway("copy", copycmd<W>,

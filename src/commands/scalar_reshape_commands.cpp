@@ -59,13 +59,13 @@ const tcommand rows[] = {
     eitherway("substack", substackcmd, "new := substack <10, 10, 10> <50%, 50%, 50%> // copy the block between two corners"),
     eitherway("crop", cropcmd,
               "crop <1, 10> // cut to the box of the voxels in range; new := crop old1 mask <1, 10>: of the mask's voxels"),
-    {"move", k1, movecmd, nullptr, "move <10, 10, 10> <20, 20, 20> <0, 50, 50> // move block (<10, 10, 10> <20, 20, 20>) with <0, 50, 50> to <10, 60, 60>"},
-    {"patch.x", k1, patchcmd<0>, nullptr, "patch.x 1 // close gaps of 1 empty slice along x"},
-    {"patch.y", k1, patchcmd<1>, nullptr, "patch.y 1 // close gaps of 1 empty slice along y"},
-    {"patch.z", k1, patchcmd<2>, nullptr, "patch.z 1 // close gaps of 1 empty slice along z"},
-    {"flip.x", k1, flipcmd<0>, nullptr, "flip.x // reverse the x axis"},
-    {"flip.y", k1, flipcmd<1>, nullptr, "flip.y // reverse the y axis"},
-    {"flip.z", k1, flipcmd<2>, nullptr, "flip.z // reverse the z axis"},
+    {"move", procedure, movecmd, nullptr, "move <10, 10, 10> <20, 20, 20> <0, 50, 50> // move block (<10, 10, 10> <20, 20, 20>) with <0, 50, 50> to <10, 60, 60>"},
+    {"patch.x", procedure, patchcmd<0>, nullptr, "patch.x 1 // close gaps of 1 empty slice along x"},
+    {"patch.y", procedure, patchcmd<1>, nullptr, "patch.y 1 // close gaps of 1 empty slice along y"},
+    {"patch.z", procedure, patchcmd<2>, nullptr, "patch.z 1 // close gaps of 1 empty slice along z"},
+    {"flip.x", procedure, flipcmd<0>, nullptr, "flip.x // reverse the x axis"},
+    {"flip.y", procedure, flipcmd<1>, nullptr, "flip.y // reverse the y axis"},
+    {"flip.z", procedure, flipcmd<2>, nullptr, "flip.z // reverse the z axis"},
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "field/arrays.h"
+#include "field/owned.h"
 #include "script/values.h"
 
 namespace {
@@ -118,12 +119,11 @@ tleveltable outliertable(const tlevelhistogram& h, int64_t top) {
 
 tleveltable peaktable(tlevelhistogram h, int64_t top, int64_t target) {
   repairhistogram(h);
-  tintlist list{};
-  list.createdynamic();
-  for (const int64_t e : h) list.add(e);
-  list.smooth121();
-  for (int64_t i = 1; i <= list.length; ++i) h[i - 1] = list.get(i);
-  list.release();
+  tlocalarray<tintlist> list;
+  list->createdynamic();
+  for (const int64_t e : h) list->add(e);
+  list->smooth121();
+  for (int64_t i = 1; i <= list->length; ++i) h[i - 1] = list->get(i);
   cutshares(h, 0.01, 0.01);
   const int64_t peak = std::max_element(h.begin(), h.end()) - h.begin();
   tleveltable t(h.size());

@@ -4,6 +4,7 @@
 #include <span>
 #include <vector>
 
+#include "field/owned.h"
 #include "ops/fieldcopy.h"
 #include "ops/resample.h"
 #include "script/values.h"
@@ -60,10 +61,9 @@ bool boxof(const tnatvector& size, tnatvector& lo, tnatvector& hi, Take take) {
 
 template <class F>
 void croppedto(F& target, const F& source, const tnatvector& lo, const tnatvector& hi) {
-  F part{};
-  block(part, source, lo, hi);
-  copyfield(target, part);
-  fieldrelease(part);
+  tlocalfield<F> part;
+  block(*part, source, lo, hi);
+  copyfield(target, *part);
   println("  New size: " + cornertext<F>(lo) + " .. " + cornertext<F>(hi) + " -> " + dimensionstext(target));
 }
 
@@ -109,7 +109,8 @@ void cropfield(tscalarfield& target, const tscalarfield& source, const tscalarfi
 void moveblock(tscalarfield& f, const tnatvector& a, const tnatvector& b, const tnatvector& d) {
   const tnatvector lo{std::min(a[0], b[0]), std::min(a[1], b[1]), std::min(a[2], b[2])};
   const tnatvector hi{std::max(a[0], b[0]), std::max(a[1], b[1]), std::max(a[2], b[2])};
-  tscalarfield part{};
+  tlocalfield<tscalarfield> holder;
+  tscalarfield& part = *holder;
   block(part, f, lo, hi);
   const int64_t background = getbackground(f);
   const tnatvector size = fieldsize(part);
@@ -121,7 +122,6 @@ void moveblock(tscalarfield& f, const tnatvector& a, const tnatvector& b, const 
       for (int64_t x = 1; x <= size[0]; ++x)
         setvalue(f, lo[0] + x - 1 + d[0], lo[1] + y - 1 + d[1], lo[2] + z - 1 + d[2],
                  static_cast<double>(getvalue(part, x, y, z)));
-  fieldrelease(part);
 }
 
 int64_t patchgaps(tscalarfield& f, int axis, int64_t n) {
@@ -178,7 +178,8 @@ void rotateimage(timagefield& f, int64_t degrees) {
   if (fieldempty(f) || quarters == 0) return;
   if (quarters == 2) return flipfield(f, 0), flipfield(f, 1);
   const tnatvector size = fieldsize(f);
-  timagefield turned{};
+  tlocalfield<timagefield> holder;
+  timagefield& turned = *holder;
   fieldcreate(turned, f.kind, {size[1], size[0], 1});
   copysettings(turned, f);
   trows rows = f.space.matrix;
@@ -190,5 +191,4 @@ void rotateimage(timagefield& f, int64_t degrees) {
         t(x, y, 0) = quarters == 1 ? s(y, s.ny - 1 - x, 0) : s(s.nx - 1 - y, x, 0);
   });
   if (!fieldempty(turned)) imagecopyfrom(f, turned);
-  fieldrelease(turned);
 }
