@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -24,6 +26,16 @@ class tmorphpass {
     n = std::clamp<int64_t>(s.n, 0, planar ? 8 : 26);
     cap = s.kind == tmorphkind::skeleton ? 21 : 28;
     pad = decides(g.background);
+    // The range in the element type, so that the voxel loops compare bytes or words; a
+    // range beyond the type holds nothing, which the empty pair hi < lo says.
+    constexpr int64_t most = std::numeric_limits<T>::max();
+    const bool none = s.range.hi < 0 || s.range.lo > most || s.range.lo > s.range.hi;
+    tlo = static_cast<T>(none ? 1 : std::clamp<int64_t>(s.range.lo, 0, most));
+    thi = static_cast<T>(none ? 0 : std::clamp<int64_t>(s.range.hi, 0, most));
+    for (int64_t dz = planar ? 0 : -1; dz <= (planar ? 0 : 1); ++dz)
+      for (int64_t dy = -1; dy <= 1; ++dy)
+        for (int64_t dx = -1; dx <= 1; ++dx)
+          if (dx != 0 || dy != 0 || dz != 0) offsets[neighbours++] = dx + g.nx * (dy + g.ny * dz);
     ind.resize(area);
     rows.resize(area);
     padrow.assign(g.nx, static_cast<uint8_t>(3 * pad));
@@ -55,6 +67,9 @@ class tmorphpass {
   bool planar, grow;
   int64_t area, n = 0, cap = 0;
   uint8_t pad = 0;
+  T tlo{}, thi{};
+  std::array<int64_t, 26> offsets{};
+  int neighbours = 0;
   std::vector<uint8_t> ind, rows, padrow;
   std::array<std::vector<uint8_t>, 3> counts;
 
@@ -67,9 +82,10 @@ class tmorphpass {
       return;
     }
     const T* p = g.v + z * area;
-    const tmorphrange r = s.range;
-    const bool in = grow;
-    for (int64_t i = 0; i < area; ++i) ind[i] = (p[i] >= r.lo && p[i] <= r.hi) == in;
+    const T lo = tlo, hi = thi;
+    const uint8_t flip = !grow;
+    uint8_t* __restrict a = ind.data();
+    for (int64_t i = 0; i < area; ++i) a[i] = static_cast<uint8_t>((p[i] >= lo) & (p[i] <= hi)) ^ flip;
     const int64_t nx = g.nx;
     for (int64_t y = 0; y < g.ny; ++y) {
       const uint8_t* a = ind.data() + y * nx;
@@ -93,37 +109,64 @@ class tmorphpass {
 
   // The candidates first, in a loop without branches; the few that change after it.
   void visitplane(int64_t z, std::vector<std::pair<int64_t, T>>& changes) {
-    const T* p = g.v + z * area;
-    const uint8_t *below = counts[0].data(), *mid = counts[1].data(), *above = counts[2].data();
-    uint8_t* hit = ind.data();
+    const T* __restrict p = g.v + z * area;
+    const uint8_t* __restrict below = counts[0].data();
+    const uint8_t* __restrict mid = counts[1].data();
+    const uint8_t* __restrict above = counts[2].data();
+    uint8_t* __restrict hit = ind.data();
     const auto lo = static_cast<uint8_t>(n), hi = static_cast<uint8_t>(cap);
-    const int64_t rlo = s.range.lo, rhi = s.range.hi;
-    const bool in = grow;
+    const T rlo = tlo, rhi = thi;
+    const uint8_t in = grow;
     if (planar) {
       for (int64_t i = 0; i < area; ++i)
-        hit[i] = (mid[i] > lo) & (mid[i] < hi) & (((p[i] >= rlo) & (p[i] <= rhi)) != in);
+        hit[i] = (mid[i] > lo) & (mid[i] < hi) & (static_cast<uint8_t>((p[i] >= rlo) & (p[i] <= rhi)) ^ in);
     } else {
       for (int64_t i = 0; i < area; ++i) {
         const auto k = static_cast<uint8_t>(below[i] + mid[i] + above[i]);
-        hit[i] = (k > lo) & (k < hi) & (((p[i] >= rlo) & (p[i] <= rhi)) != in);
+        hit[i] = (k > lo) & (k < hi) & (static_cast<uint8_t>((p[i] >= rlo) & (p[i] <= rhi)) ^ in);
       }
     }
-    for (int64_t i = 0; i < area; ++i)
-      if (hit[i]) changes.emplace_back(z * area + i, newvalue(i % g.nx, i / g.nx, z));
+    // Hits are few: eight flags at a time are passed over while all are clear.
+    for (int64_t y = 0; y < g.ny; ++y) {
+      const uint8_t* row = hit + y * g.nx;
+      for (int64_t x = 0; x < g.nx; ++x) {
+        if (x + 8 <= g.nx) {
+          uint64_t eight;
+          std::memcpy(&eight, row + x, 8);
+          if (eight == 0) {
+            x += 7;
+            continue;
+          }
+        }
+        if (row[x]) changes.emplace_back(z * area + y * g.nx + x, newvalue(x, y, z));
+      }
+    }
   }
 
   // The given value, or the mean or most frequent value of the deciding neighbours.
   T newvalue(int64_t x, int64_t y, int64_t z) const {
     if (s.value) return static_cast<T>(std::clamp<int64_t>(*s.value, 0, g.top));
+    const bool inner = x > 0 && y > 0 && x < g.nx - 1 && y < g.ny - 1 && (planar || (z > 0 && z < g.nz - 1));
+    if (inner && !s.label) {
+      // The mean inside the field: fixed offsets, no bounds, no branches.
+      const T* c = g.v + x + g.nx * (y + g.ny * z);
+      int64_t k = 0, sum = 0;
+      for (int i = 0; i < neighbours; ++i) {
+        const T v = c[offsets[i]];
+        const int64_t d = static_cast<uint8_t>((v >= tlo) & (v <= thi)) ^ !grow;
+        k += d;
+        sum += d * v;
+      }
+      return k == 0 ? *c : static_cast<T>(sum / k);
+    }
     std::array<int64_t, 26> found;
     int64_t k = 0, sum = 0;
     const int64_t depth = planar ? 0 : 1;
-    const bool inner = x > 0 && y > 0 && x < g.nx - 1 && y < g.ny - 1 && (planar || (z > 0 && z < g.nz - 1));
     for (int64_t dz = -depth; dz <= depth; ++dz)
       for (int64_t dy = -1; dy <= 1; ++dy)
         for (int64_t dx = -1; dx <= 1; ++dx) {
           if (dx == 0 && dy == 0 && dz == 0) continue;
-          const T v = inner ? g(x + dx, y + dy, z + dz) : g.at(x + dx, y + dy, z + dz);
+          const T v = g.at(x + dx, y + dy, z + dz);
           if (!decides(v)) continue;
           found[k++] = v;
           sum += v;

@@ -32,6 +32,7 @@ m2[rng.random(m2.shape) < 0.2] = 200
 Image.fromarray(m2).save("mask.pgm")
 z = rng.integers(1, 256, (9, 11)).astype(np.uint8); z[rng.random(z.shape) < 0.5] = 0; z[:, :3] = 0
 Image.fromarray(z).save("zeros.pgm")
+Image.fromarray(((rng.random((17, 19)) < 0.6) * rng.integers(0, 4, (17, 19)) * 80).astype(np.uint8)).save("g2.pgm")
 EOF
 
 cat > m.macro <<'EOF'
@@ -69,6 +70,12 @@ image.load "mask.pgm"
 image.value 99
 image.fill.holes <128, 255>
 image.save "o_holes.pgm"
+image.load "g2.pgm"
+image.shrink <100, 255> 3
+image.save "o_shrink2.pgm"
+image.load "g2.pgm"
+image.grow <1, 170> 4
+image.save "o_grow2.pgm"
 image.load "zeros.pgm"
 image.fill.zero
 image.save "o_zero.pgm"
@@ -110,12 +117,12 @@ def frequent(values):
     # The most frequent value; ties go to the one the frequency sort leaves last.
     u, c = np.unique(values, return_counts=True)
     return u, c
-def model(a, lo, hi, n, kind, value=None, label=False):
-    p = np.pad(a, 1)  # outside reads the background 0
+def model(a, lo, hi, n, kind, value=None, label=False, planar=False):
+    p = np.pad(a, ((0, 0) if planar else (1, 1), (1, 1), (1, 1)))  # outside reads the background 0
     out = a.copy()
     for z, y, x in np.ndindex(a.shape):
-        w = p[z:z + 3, y:y + 3, x:x + 3].reshape(-1)
-        w = np.delete(w, 13)
+        w = p[z:z + (1 if planar else 3), y:y + 3, x:x + 3].reshape(-1)
+        w = np.delete(w, 4 if planar else 13)
         inr = (w >= lo) & (w <= hi)
         centre = lo <= a[z, y, x] <= hi
         deciding = w[inr] if kind == "grow" else w[~inr]
@@ -180,6 +187,9 @@ def zeros(a, enclosed, box=None):
         closed = any(found[2 * k] and found[2 * k + 1] for k in range(4))
         if wt > 0 and (closed or not enclosed): out[y, x] = np.rint(s / wt)
     return out
+g2 = np.asarray(Image.open("g2.pgm")).astype(np.int64)[None]  # one plane: 8 neighbours
+same("image.shrink", np.asarray(Image.open("o_shrink2.pgm")).astype(np.int64), model(g2, 100, 255, 3, "shrink", planar=True)[0])
+same("image.grow", np.asarray(Image.open("o_grow2.pgm")).astype(np.int64), model(g2, 1, 170, 4, "grow", planar=True)[0])
 zz = np.asarray(Image.open("zeros.pgm")).astype(np.int64)
 for name, want in (("o_zero.pgm", zeros(zz, False)), ("o_gap.pgm", zeros(zz, True)), ("o_gapbox.pgm", zeros(zz, True, (2, 2, 6, 5)))):
     same(name, np.asarray(Image.open(name)).astype(np.int64), want)
