@@ -89,6 +89,14 @@ scalar.use masks
 scalar.load "mask.nii"
 scalar.fill.holes <9, 9> 9
 scalar.save "o_holes.nii"
+scalar.load "blob.nii"
+scalar.value 200
+scalar.convex.z
+scalar.save "o_hullz.nii"
+scalar.load "blob.nii"
+scalar.value 200
+scalar.convex.x
+scalar.save "o_hullx.nii"
 thread.max := 1
 scalar.load "blob.nii"
 scalar.value 200
@@ -193,6 +201,20 @@ same("image.grow", np.asarray(Image.open("o_grow2.pgm")).astype(np.int64), model
 zz = np.asarray(Image.open("zeros.pgm")).astype(np.int64)
 for name, want in (("o_zero.pgm", zeros(zz, False)), ("o_gap.pgm", zeros(zz, True)), ("o_gapbox.pgm", zeros(zz, True, (2, 2, 6, 5)))):
     same(name, np.asarray(Image.open(name)).astype(np.int64), want)
+from scipy.spatial import ConvexHull
+def hulls(a, axis):
+    out = np.moveaxis(a.copy(), axis, 0)
+    for plane in out:
+        pts = np.argwhere(plane > 0)
+        if len(pts) < 3: continue  # not met by the random planes below
+        eq = ConvexHull(pts).equations
+        grid = np.argwhere(np.ones_like(plane, bool))
+        inside = (grid @ eq[:, :2].T + eq[:, 2] <= 1e-9).all(axis=1)
+        plane[tuple(grid[inside].T)] = 200
+    return np.moveaxis(out, 0, axis)
+bl = load("blob.nii")
+same("convex.z", load("o_hullz.nii"), hulls(bl, 0))
+same("convex.x", load("o_hullx.nii"), hulls(bl, 2))
 c1, c2, c5 = load("o_convex1.nii"), load("o_convex2.nii"), load("o_convex5.nii")
 if not (np.array_equal(c1, c2) and np.array_equal(c1, c5)): bad.append("fill.convex depends on the thread count")
 b = load("blob.nii")
