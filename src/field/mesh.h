@@ -14,12 +14,15 @@ struct tface {
 };
 using tfacelist = tarraylist<tface, 0>;
 
-// Where the add operation finds a point again: a hash over the point's bytes, chained by
-// point index. It covers points 1..count; points appended by other means join lazily, and
-// any change of the points in place must call meshpointschanged.
+// Where the add operation finds a point again: an open table of (hash of the point's bytes,
+// first point index with them). It covers points 1..count; points appended by other means
+// join lazily, and any change of the points in place must call meshpointschanged.
 struct tpointhash {
-  std::vector<int64_t> heads;  // bucket -> first point index, 0 for none
-  std::vector<int64_t> next;   // point index -> next in its bucket
+  struct tslot {
+    uint64_t key = 0;
+    int64_t index = 0;  // 0 for a free slot
+  };
+  std::vector<tslot> slots;  // a power of two, at most half full
   int64_t count = 0;
 };
 

@@ -20,34 +20,37 @@ uint64_t pointkey(const tvector& p) {
   return h ^ (h >> 32);
 }
 
-// The first point equal to p in the hash, 0 if none.
+// The slot of p: the one holding its first copy, or the free one where it would go.
+tpointhash::tslot& hashslot(const tmesh& m, const tvector& p, uint64_t key) {
+  auto& slots = const_cast<std::vector<tpointhash::tslot>&>(m.hash.slots);
+  const size_t mask = slots.size() - 1;
+  for (size_t i = key & mask;; i = (i + 1) & mask) {
+    tpointhash::tslot& s = slots[i];
+    if (!s.index || (s.key == key && samepoint(m.points.get(s.index), p))) return s;
+  }
+}
+
 int64_t hashfind(const tmesh& m, const tvector& p) {
-  const tpointhash& h = m.hash;
-  if (h.heads.empty()) return 0;
-  for (int64_t i = h.heads[pointkey(p) & (h.heads.size() - 1)]; i; i = h.next[i])
-    if (samepoint(m.points.get(i), p)) return i;
-  return 0;
+  if (m.hash.slots.empty()) return 0;
+  return hashslot(m, p, pointkey(p)).index;
 }
 
+// Point i joins the table unless an earlier copy is there: the first one answers.
 void hashinsert(tmesh& m, int64_t i) {
-  tpointhash& h = m.hash;
-  if (static_cast<int64_t>(h.next.size()) <= i) h.next.resize(std::max<size_t>(i + 1, h.next.size() * 2), 0);
   const tvector p = m.points.get(i);
-  if (hashfind(m, p)) return;  // a later copy is never found: the first one answers
-  int64_t& head = h.heads[pointkey(p) & (h.heads.size() - 1)];
-  h.next[i] = head;
-  head = i;
+  const uint64_t key = pointkey(p);
+  tpointhash::tslot& s = hashslot(m, p, key);
+  if (!s.index) s = {key, i};
 }
 
-// Brings the hash up to the points list, growing its buckets to keep chains short.
+// Brings the table up to the points list, doubling it to stay at most half full.
 void hashsync(tmesh& m) {
   tpointhash& h = m.hash;
   const int64_t n = m.points.length;
-  if (static_cast<int64_t>(h.heads.size()) < 2 * (n + 1)) {
+  if (static_cast<int64_t>(h.slots.size()) < 2 * (n + 1)) {
     size_t size = 1024;
     while (static_cast<int64_t>(size) < 4 * (n + 1)) size *= 2;
-    h.heads.assign(size, 0);
-    h.next.assign(n + 1, 0);
+    h.slots.assign(size, {});
     h.count = 0;
   }
   for (int64_t i = h.count + 1; i <= n; ++i) hashinsert(m, i);
@@ -58,13 +61,13 @@ int64_t sharepoint(tmesh& m, const tvector& p, const tvector& n) {
   for (int64_t i : m.lastface)
     if (i >= 1 && i <= m.points.length && samepoint(m.points.get(i), p)) return i;
   hashsync(m);
-  if (const int64_t i = hashfind(m, p)) return i;
+  const uint64_t key = pointkey(p);
+  tpointhash::tslot& s = hashslot(m, p, key);
+  if (s.index) return s.index;
   const int64_t i = appendpoint(m, p, n);
   m.pairs.add({i, m.faces.length + 1});
-  if (static_cast<int64_t>(m.hash.heads.size()) >= 2 * (i + 1)) {
-    hashinsert(m, i);
-    m.hash.count = i;
-  }
+  s = {key, i};
+  m.hash.count = i;
   return i;
 }
 
@@ -104,6 +107,25 @@ void addquad(tmesh& m, const std::array<tvector, 4>& p, const std::array<tvector
 
 void addquad(tmesh& m, const std::array<tvector, 4>& p, const tcolor4& color) {
   addface(m, p, std::array<tvector, 4>{}, color);
+}
+
+namespace {
+
+template <class L>
+void reserve(L& list, int64_t more) {
+  const int64_t n = list.length;
+  if (more <= 0 || n + more < list.maximal) return;
+  list.resize(n + more);
+  list.resize(n);
+}
+
+}  // namespace
+
+void meshreserve(tmesh& m, int64_t faces, int64_t points) {
+  reserve(m.faces, faces);
+  reserve(m.points, points);
+  reserve(m.normals, points);
+  reserve(m.pairs, points);
 }
 
 bool validface(const tmesh& m, const tface& f) {

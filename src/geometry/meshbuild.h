@@ -20,6 +20,9 @@ void addquad(tmesh& m, const std::array<tvector, 4>& p, const tcolor4& color);
 int64_t appendpoint(tmesh& m, const tvector& p, const tvector& n = {0, 0, 0});
 void appendface(tmesh& m, const std::array<int64_t, 4>& corners, const tcolor4& color = {1, 1, 1});
 
+// Room for this many more faces and points, so that a large surface grows its lists once.
+void meshreserve(tmesh& m, int64_t faces, int64_t points);
+
 // True when all corners of the face name points of the mesh (the fourth may be 0).
 bool validface(const tmesh& m, const tface& f);
 

@@ -84,6 +84,16 @@ struct tmarcher {
     return (level - wa) / static_cast<double>(wb - wa);
   }
 
+  // The triangles the table gives the cube, before collapsed ones are dropped.
+  int tablecount(int64_t x, int64_t y, int64_t z) const {
+    int index = 0;
+    for (int k = 0; k < 8; ++k)
+      if (inside(cornervalue(x + cubecorners[k][0], y + cubecorners[k][1], z + cubecorners[k][2]))) index |= 1 << k;
+    int n = 0;
+    while (n < 5 && tables.tritable[index][3 * n] >= 0) ++n;
+    return n;
+  }
+
   void cube(int64_t x, int64_t y, int64_t z, std::vector<ttriangle>& out) const {
     int64_t w[8];
     int index = 0;
@@ -132,14 +142,28 @@ void march(tmesh& m, const tscalarfield& f, const A& a, double low, double high,
         if (grid.of(x, y, z) != 2 && marcher.invalue(marcher.s.at(x, y, z))) grid.mark(x, y, z);
   }
   progressend();
+  auto eachcube = [&](int64_t z, auto visit) {
+    for (int64_t y = 0; y <= size[1] + 1; ++y)
+      for (int64_t x = 0; x <= size[0] + 1; ++x)
+        if (grid.cells[(grid.bin(x, 0) + 1) + (grid.bin(y, 1) + 1) * grid.side + (grid.bin(z, 2) + 1) * grid.side * grid.side])
+          visit(x, y);
+  };
+  // Count first, so that the mesh's lists grow once: at this size a growth copies
+  // hundreds of megabytes.
+  int64_t total = 0;
+  slicebatches<int64_t>(
+      0, size[2] + 1, threads,
+      [&](int64_t z, int64_t& count) {
+        count = 0;
+        eachcube(z, [&](int64_t x, int64_t y) { count += marcher.tablecount(x, y, z); });
+      },
+      [&](int64_t, int64_t& count) { total += count; });
+  meshreserve(m, total, total / 2 + 16);
   slicebatches<std::vector<ttriangle>>(
       0, size[2] + 1, threads,
       [&](int64_t z, std::vector<ttriangle>& out) {
         out.clear();
-        for (int64_t y = 0; y <= size[1] + 1; ++y)
-          for (int64_t x = 0; x <= size[0] + 1; ++x)
-            if (grid.cells[(grid.bin(x, 0) + 1) + (grid.bin(y, 1) + 1) * grid.side + (grid.bin(z, 2) + 1) * grid.side * grid.side])
-              marcher.cube(x, y, z, out);
+        eachcube(z, [&](int64_t x, int64_t y) { marcher.cube(x, y, z, out); });
       },
       [&](int64_t z, std::vector<ttriangle>& out) {
         progress("Calculate surface", static_cast<double>(z) / size[2]);
