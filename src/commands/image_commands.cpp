@@ -2,6 +2,7 @@
 #include "commands/combine_handlers.h"
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/group_handlers.h"
 #include "commands/level_handlers.h"
 #include "field/workspaces.h"
 
@@ -34,6 +35,6 @@ const tcommand imagerows[] = {
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
       prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), imagecolourrows(),
-                          spatialrows<imageworkspace>()});
+                          spatialrows<imageworkspace>(), grouprows<imageworkspace>()});
   return {"image.", rows};
 }

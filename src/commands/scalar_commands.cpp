@@ -2,6 +2,7 @@
 #include "commands/combine_handlers.h"
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/group_handlers.h"
 #include "commands/level_handlers.h"
 #include "commands/scalar_rows.h"
 #include "field/workspaces.h"
@@ -34,6 +35,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), grouprows<scalarworkspace>()});
   return {"scalar.", rows};
 }

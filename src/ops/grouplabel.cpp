@@ -1,0 +1,171 @@
+// The labelling core. A region's voxels, its count and its border do not depend on the
+// order in which a fill visits them: every member pushes each neighbour once, so the
+// border is the number of member-to-free faces (3-D) or of rejected pops (2-D). The fast
+// form therefore joins runs along x by a union-find and counts faces per run; only a
+// region covering the whole volume, where the fill stops at the voxel count with
+// positions still on its stack, takes the plain fill.
+#include <array>
+
+#include "ops/group.h"
+
+namespace {
+
+struct tposition {
+  int64_t x, y, z;
+};
+
+// Union-find over runs; the smaller index is the root, so that a component's root is
+// its first run in scan order.
+struct tunion {
+  std::vector<uint32_t> parent;
+  uint32_t find(uint32_t a) {
+    while (parent[a] != a) {
+      parent[a] = parent[parent[a]];
+      a = parent[a];
+    }
+    return a;
+  }
+  void join(uint32_t a, uint32_t b) {
+    a = find(a), b = find(b);
+    if (a < b)
+      parent[b] = a;
+    else if (b < a)
+      parent[a] = b;
+  }
+};
+
+// Joins the overlapping runs of two rows (faces touch when the x ranges overlap).
+void joinrows(tunion& u, const tgroupcomponents& c, int64_t row, int64_t other) {
+  int64_t i = c.rowstart[row], j = c.rowstart[other];
+  const int64_t ei = c.rowstart[row + 1], ej = c.rowstart[other + 1];
+  while (i < ei && j < ej) {
+    const tgrouprun a = c.runs[i], b = c.runs[j];
+    if (a.x0 <= b.x1 && b.x0 <= a.x1) u.join(static_cast<uint32_t>(i), static_cast<uint32_t>(j));
+    if (a.x1 < b.x1)
+      ++i;
+    else
+      ++j;
+  }
+}
+
+// The faces of the runs of one row that a fill meets as border (3-D), or the pushes their
+// voxels make (2-D). Rows beyond the volume read as `outside`, a row of free states when
+// the outside counts as border.
+struct tfacecounter {
+  const tgroupgrid& g;
+  std::vector<uint8_t> outside;
+  explicit tfacecounter(const tgroupgrid& grid)
+      : g(grid), outside(static_cast<size_t>(grid.nx), grid.outsideborder ? groupsfree : groupstaken) {}
+
+  int64_t planar(int64_t row, tgrouprun run) const {
+    const int64_t y = row % g.ny, len = run.x1 - run.x0 + 1;
+    return 2 * len - (run.x0 == 0) - (run.x1 == g.nx - 1) + len * (y > 0) + len * (y < g.ny - 1);
+  }
+  int64_t faces(int64_t row, tgrouprun run) const {
+    const int64_t y = row % g.ny, z = row / g.ny, plane = g.nx * g.ny;
+    const uint8_t* s = g.states.data() + row * g.nx;
+    const uint8_t* o = outside.data();
+    const uint8_t* up = y > 0 ? s - g.nx : o;
+    const uint8_t* down = y < g.ny - 1 ? s + g.nx : o;
+    const uint8_t* front = z > 0 ? s - plane : o;
+    const uint8_t* back = z < g.nz - 1 ? s + plane : o;
+    int64_t sum = (run.x0 == 0 ? o[0] : s[run.x0 - 1]) == groupsfree;
+    sum += (run.x1 == g.nx - 1 ? o[0] : s[run.x1 + 1]) == groupsfree;
+    for (int64_t x = run.x0; x <= run.x1; ++x)
+      sum += (up[x] == groupsfree) + (down[x] == groupsfree) + (front[x] == groupsfree) + (back[x] == groupsfree);
+    return sum;
+  }
+};
+
+}  // namespace
+
+tgroupcomponents groupcomponents(const tgroupgrid& g) {
+  tgroupcomponents c;
+  const int64_t rows = g.ny * g.nz;
+  c.rowstart.resize(rows + 1);
+  c.runs.reserve(static_cast<size_t>(g.nx * rows / 4));
+  for (int64_t r = 0; r < rows; ++r) {
+    c.rowstart[r] = static_cast<int64_t>(c.runs.size());
+    const uint8_t* s = g.states.data() + r * g.nx;
+    for (int64_t x = 0; x < g.nx; ++x) {
+      if (s[x] != groupsmember) continue;
+      const int64_t x0 = x;
+      while (x + 1 < g.nx && s[x + 1] == groupsmember) ++x;
+      c.runs.push_back({static_cast<int32_t>(x0), static_cast<int32_t>(x)});
+    }
+  }
+  c.rowstart[rows] = static_cast<int64_t>(c.runs.size());
+  tunion u;
+  u.parent.resize(c.runs.size());
+  for (uint32_t i = 0; i < u.parent.size(); ++i) u.parent[i] = i;
+  for (int64_t r = 0; r < rows; ++r) {
+    if (r % g.ny > 0) joinrows(u, c, r, r - 1);
+    if (r >= g.ny) joinrows(u, c, r, r - g.ny);
+  }
+  c.component.resize(c.runs.size());
+  const tfacecounter faces(g);
+  for (int64_t r = 0; r < rows; ++r)
+    for (int64_t i = c.rowstart[r]; i < c.rowstart[r + 1]; ++i) {
+      const uint32_t root = u.find(static_cast<uint32_t>(i));
+      if (root == i) {
+        c.component[i] = static_cast<uint32_t>(c.count.size());
+        c.count.push_back(0);
+        c.border.push_back(g.planar ? 1 : 0);  // 2-D: the seed is one push more
+      } else {
+        c.component[i] = c.component[root];
+      }
+      const tgrouprun run = c.runs[i];
+      c.count[c.component[i]] += run.x1 - run.x0 + 1;
+      c.border[c.component[i]] += g.planar ? faces.planar(r, run) : faces.faces(r, run);
+    }
+  if (g.planar)
+    for (size_t k = 0; k < c.count.size(); ++k) c.border[k] -= c.count[k];
+  else if (c.count.size() == 1 && c.count[0] == g.nx * g.ny * g.nz)
+    c.border[0] = groupreference(g).border[0];
+  return c;
+}
+
+std::vector<int64_t> grouplabels(const tgroupgrid& g, const tgroupcomponents& c) {
+  std::vector<int64_t> label(static_cast<size_t>(g.nx * g.ny * g.nz), 0);
+  for (int64_t r = 0; r + 1 < static_cast<int64_t>(c.rowstart.size()); ++r)
+    for (int64_t i = c.rowstart[r]; i < c.rowstart[r + 1]; ++i)
+      for (int64_t x = c.runs[i].x0; x <= c.runs[i].x1; ++x) label[r * g.nx + x] = c.component[i] + 1;
+  return label;
+}
+
+tgroupreference groupreference(const tgroupgrid& g) {
+  tgroupreference out;
+  out.label.assign(g.states.size(), 0);
+  const int64_t limit = g.nx * g.ny * g.nz;
+  std::vector<tposition> stack;
+  const auto inside = [&](const tposition& p) {
+    return p.x >= 0 && p.y >= 0 && p.z >= 0 && p.x < g.nx && p.y < g.ny && p.z < g.nz;
+  };
+  const auto index = [&](const tposition& p) { return (p.z * g.ny + p.y) * g.nx + p.x; };
+  for (int64_t start = 0; start < limit; ++start) {
+    if (g.states[start] != groupsmember || out.label[start] != 0) continue;
+    const int64_t number = static_cast<int64_t>(out.count.size()) + 1;
+    int64_t count = 0, border = 0;
+    stack.assign(1, {start % g.nx, (start / g.nx) % g.ny, start / (g.nx * g.ny)});
+    while (!stack.empty() && (g.planar ? count <= limit : count < limit)) {
+      const tposition p = stack.back();
+      stack.pop_back();
+      const bool member = inside(p) && g.states[index(p)] == groupsmember && out.label[index(p)] == 0;
+      if (!member) {
+        // 3-D: only a free voxel, or the outside when it reads as out of range, is border.
+        if (g.planar || (inside(p) ? g.states[index(p)] == groupsfree && out.label[index(p)] == 0 : g.outsideborder))
+          ++border;
+        continue;
+      }
+      out.label[index(p)] = number;
+      ++count;
+      const tposition next[6] = {{p.x, p.y, p.z + 1}, {p.x, p.y, p.z - 1}, {p.x, p.y + 1, p.z},
+                                 {p.x, p.y - 1, p.z}, {p.x + 1, p.y, p.z}, {p.x - 1, p.y, p.z}};
+      for (int k = g.planar ? 2 : 0; k < 6; ++k)
+        if (!g.planar || inside(next[k])) stack.push_back(next[k]);
+    }
+    out.count.push_back(count);
+    out.border.push_back(border);
+  }
+  return out;
+}
