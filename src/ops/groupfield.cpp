@@ -17,14 +17,21 @@ namespace {
 // op(get) with get(i) the value at the linear index i (from 0) of the field's own storage.
 template <class Op>
 void withreader(const tscalarfield& f, Op op) {
-  eachstorage(f, [&](const auto& a) { op([&a](int64_t i) { return static_cast<int64_t>(a.get(i + 1)); }); });
+  eachstorage(f, [&](const auto& a) {
+    if constexpr (requires { a.items(); }) {
+      const auto* p = a.items();  // a plain pointer: the loops vectorise
+      op([p](int64_t i) { return static_cast<int64_t>(p[i]); });
+    } else {
+      op([&a](int64_t i) { return static_cast<int64_t>(a.get(i + 1)); });
+    }
+  });
 }
 template <class Op>
 void withreader(const timagefield& f, Op op) {
   withkind(f, [&](auto v) {
     if constexpr (!decltype(v)::colour) {
-      const auto& plane = v.plane();
-      op([&plane](int64_t i) { return static_cast<int64_t>(plane.get(i + 1)); });
+      const auto* p = v.plane().items();
+      op([p](int64_t i) { return static_cast<int64_t>(p[i]); });
     } else {
       const int64_t w = v.sizex();
       op([v, w](int64_t i) { return v.getvalue(i % w + 1, i / w + 1); });
@@ -80,9 +87,11 @@ tgroupgrid groupgrid(const F& target, const F& source, int64_t lo, int64_t hi, i
     const auto fill = [&](auto sourceget) {
       for (int64_t z = 0; z < g.nz; ++z) {
         progress(word, static_cast<double>(z + 1) / static_cast<double>(g.nz));
+        uint8_t* states = g.states.data();
         for (int64_t i = z * plane; i < (z + 1) * plane; ++i) {
           const int64_t v = sourceget(i);
-          g.states[i] = targetget(i) != 0 ? groupstaken : v >= lo && v <= hi ? groupsmember : groupsfree;
+          const uint8_t inrange = v >= lo && v <= hi ? groupsmember : groupsfree;
+          states[i] = targetget(i) != 0 ? groupstaken : inrange;
         }
       }
     };

@@ -106,7 +106,8 @@ tgroupcomponents groupcomponents(const tgroupgrid& g) {
   const tfacecounter faces(g);
   for (int64_t r = 0; r < rows; ++r)
     for (int64_t i = c.rowstart[r]; i < c.rowstart[r + 1]; ++i) {
-      const uint32_t root = u.find(static_cast<uint32_t>(i));
+      // Every earlier run already points at its root, so one step reaches this one's.
+      const uint32_t root = u.parent[i] = u.parent[u.parent[i]];
       if (root == i) {
         c.component[i] = static_cast<uint32_t>(c.count.size());
         c.count.push_back(0);
