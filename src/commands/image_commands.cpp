@@ -3,6 +3,7 @@
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/group_handlers.h"
+#include "commands/histogram_handlers.h"
 #include "commands/level_handlers.h"
 #include "field/workspaces.h"
 
@@ -35,6 +36,6 @@ const tcommand imagerows[] = {
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
       prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), imagecolourrows(),
-                          spatialrows<imageworkspace>(), grouprows<imageworkspace>()});
+                          spatialrows<imageworkspace>(), grouprows<imageworkspace>(), histogramrows<imageworkspace>()});
   return {"image.", rows};
 }

@@ -3,6 +3,7 @@
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/group_handlers.h"
+#include "commands/histogram_handlers.h"
 #include "commands/level_handlers.h"
 #include "commands/scalar_rows.h"
 #include "field/workspaces.h"
@@ -35,6 +36,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), grouprows<scalarworkspace>()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), grouprows<scalarworkspace>(), histogramrows<scalarworkspace>(), histogramfastrows<scalarworkspace>()});
   return {"scalar.", rows};
 }
