@@ -5,6 +5,7 @@
 
 #include "commands/commandtable.h"
 #include "commands/workspace_handlers.h"
+#include "drawing/histogramchart.h"
 #include "formats/filebuffer.h"
 #include "ops/histogram.h"
 #include "script/registry.h"
@@ -54,15 +55,60 @@ void analysisrawcmd(tscript& s) {
   printanalysis(a);
 }
 
+inline utf16 fieldfilename(const timagefield& f) { return f.name; }
+inline utf16 fieldfilename(const tscalarfield& f) { return f.title; }
+
+template <class F>
+utf16 charttitleof(const F& f) {
+  const tnatvector size = fieldsize(f);
+  return charttitle(fieldfilename(f), size[0], size[1]);
+}
+
+// The chart's name with ".txt" in place of its extension.
+inline utf16 textname(const utf16& name) {
+  const std::string text = utf16toutf8(name);
+  const size_t dot = text.find_last_of('.'), slash = text.find_last_of('/');
+  const bool plain = dot == std::string::npos || (slash != std::string::npos && dot < slash);
+  return utf16((plain ? text : text.substr(0, dot)) + ".txt");
+}
+
+// An empty name is a silent no-op.
+template <auto& W>
+void histogramimagecmd(tscript& s) {
+  if (!checkparams(s, 1)) return;
+  const utf16 name = param(s, 1);
+  const auto& f = currentfield(W);
+  const std::vector<int64_t> counts = fieldhistogram(f);
+  if (length(name) > 0 && !counts.empty()) chartsave(histogramchart(counts, charttitleof(f), fieldsize(f)[1]), name);
+}
+
+template <auto& W>
+void analysisimagecmd(tscript& s) {
+  if (!checkparams(s, 1)) return;
+  const utf16 name = param(s, 1);
+  const auto& f = currentfield(W);
+  const std::vector<int64_t> counts = fieldhistogram(f);
+  if (length(name) < 1 || counts.empty()) return;
+  const tanalysis a = analysehistogram(counts, false);
+  chartsave(analysischart(a, static_cast<int64_t>(counts.size()), charttitleof(f), fieldsize(f)[1]), name);
+  std::string text;
+  for (const utf16& line : analysislines(a)) text += utf16toutf8(line) + "\n";
+  if (!text.empty()) bufferwrite(textname(name), text, false);
+}
+
 template <auto& W>
 std::span<const tcommand> histogramrows() {
   using enum tcommandkind;
   static const tcommand rows[] = {
       {"histogram", k1, histogramcmd<W>, nullptr,
        "histogram // or histogram <70, 2>: the value distribution on the console, log10 scale"},
+      {"histogram.image", k1, histogramimagecmd<W>, nullptr,
+       "histogram.image \"histogram.svg\" // the histogram as a chart: svg, svgz, eps, png, bmp, ppm ..."},
       {"histogram.raw", k1, histogramrawcmd<W>, nullptr, "histogram.raw \"histogram.txt\" // write value count"},
       {"analysis", k1, analysiscmd<W>, nullptr,
        "analysis // maxima, minima and inflection points of the smoothed histogram"},
+      {"analysis.image", k1, analysisimagecmd<W>, nullptr,
+       "analysis.image \"analysis.svg\" // chart of the smoothed histogram with the points found, and analysis.txt"},
       {"analysis.raw", k1, analysisrawcmd<W>, nullptr,
        "analysis.raw \"analysis.txt\" // write i value f f' f'' (and of log10 counts to analysis-log.txt)"},
   };
