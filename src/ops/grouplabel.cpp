@@ -4,7 +4,11 @@
 // form therefore joins runs along x by a union-find and counts faces per run; only a
 // region covering the whole volume, where the fill stops at the voxel count with
 // positions still on its stack, takes the plain fill.
+#include <algorithm>
 #include <array>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "ops/group.h"
 
@@ -34,18 +38,68 @@ struct tunion {
   }
 };
 
-// Joins the overlapping runs of two rows (faces touch when the x ranges overlap).
-void joinrows(tunion& u, const tgroupcomponents& c, int64_t row, int64_t other) {
+// Joins the overlapping runs of two rows (faces touch when the x ranges overlap) and adds
+// the touching faces to the later run's count.
+void joinrows(tunion& u, const tgroupcomponents& c, std::vector<uint32_t>& touching, int64_t row, int64_t other) {
   int64_t i = c.rowstart[row], j = c.rowstart[other];
   const int64_t ei = c.rowstart[row + 1], ej = c.rowstart[other + 1];
   while (i < ei && j < ej) {
     const tgrouprun a = c.runs[i], b = c.runs[j];
-    if (a.x0 <= b.x1 && b.x0 <= a.x1) u.join(static_cast<uint32_t>(i), static_cast<uint32_t>(j));
+    if (a.x0 <= b.x1 && b.x0 <= a.x1) {
+      u.join(static_cast<uint32_t>(i), static_cast<uint32_t>(j));
+      touching[i] += static_cast<uint32_t>(std::min(a.x1, b.x1) - std::max(a.x0, b.x0) + 1);
+    }
     if (a.x1 < b.x1)
       ++i;
     else
       ++j;
   }
+}
+
+// One bit a state of up to 64 states: set for a member.
+uint64_t membermask(const uint8_t* s, int64_t n) {
+#if defined(__SSE2__)
+  if (n == 64) {
+    uint64_t m = 0;
+    for (int k = 0; k < 4; ++k) {
+      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + 16 * k));
+      const auto bits = static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, _mm_set1_epi8(groupsmember))));
+      m |= static_cast<uint64_t>(bits & 0xFFFF) << (16 * k);
+    }
+    return m;
+  }
+#endif
+  uint64_t m = 0;
+  for (int64_t k = 0; k < n; ++k) m |= static_cast<uint64_t>(s[k] == groupsmember) << k;
+  return m;
+}
+
+// The runs of members in one row of states, from the places where the mask changes.
+void rowruns(const uint8_t* s, int64_t nx, std::vector<tgrouprun>& runs) {
+  bool inside = false;
+  int64_t x0 = 0;
+  uint64_t before = 0;  // the last state of the previous word was a member
+  for (int64_t base = 0; base < nx; base += 64) {
+    const uint64_t m = membermask(s + base, std::min<int64_t>(64, nx - base));
+    uint64_t change = m ^ ((m << 1) | before);
+    before = m >> 63;
+    while (change) {
+      const int64_t at = base + __builtin_ctzll(change);
+      change &= change - 1;
+      if (!inside)
+        x0 = at;
+      else
+        runs.push_back({static_cast<int32_t>(x0), static_cast<int32_t>(at - 1)});
+      inside = !inside;
+    }
+  }
+  if (inside) runs.push_back({static_cast<int32_t>(x0), static_cast<int32_t>(nx - 1)});
+}
+
+// The faces of a run on the volume's boundary.
+int64_t boundaryfaces(const tgroupgrid& g, int64_t row, tgrouprun run) {
+  const int64_t y = row % g.ny, z = row / g.ny, len = run.x1 - run.x0 + 1;
+  return (run.x0 == 0) + (run.x1 == g.nx - 1) + len * ((y == 0) + (y == g.ny - 1) + (z == 0) + (z == g.nz - 1));
 }
 
 // The faces of the runs of one row that a fill meets as border (3-D), or the pushes their
@@ -86,22 +140,20 @@ tgroupcomponents groupcomponents(const tgroupgrid& g) {
   c.runs.reserve(static_cast<size_t>(g.nx * rows / 4));
   for (int64_t r = 0; r < rows; ++r) {
     c.rowstart[r] = static_cast<int64_t>(c.runs.size());
-    const uint8_t* s = g.states.data() + r * g.nx;
-    for (int64_t x = 0; x < g.nx; ++x) {
-      if (s[x] != groupsmember) continue;
-      const int64_t x0 = x;
-      while (x + 1 < g.nx && s[x + 1] == groupsmember) ++x;
-      c.runs.push_back({static_cast<int32_t>(x0), static_cast<int32_t>(x)});
-    }
+    rowruns(g.states.data() + r * g.nx, g.nx, c.runs);
   }
   c.rowstart[rows] = static_cast<int64_t>(c.runs.size());
   tunion u;
   u.parent.resize(c.runs.size());
   for (uint32_t i = 0; i < u.parent.size(); ++i) u.parent[i] = i;
+  std::vector<uint32_t> touching(c.runs.size(), 0);
   for (int64_t r = 0; r < rows; ++r) {
-    if (r % g.ny > 0) joinrows(u, c, r, r - 1);
-    if (r >= g.ny) joinrows(u, c, r, r - g.ny);
+    if (r % g.ny > 0) joinrows(u, c, touching, r, r - 1);
+    if (r >= g.ny) joinrows(u, c, touching, r, r - g.ny);
   }
+  // Without taken voxels every face of a member that is neither a member nor outside is
+  // free: the border follows from the count and the member-to-member faces alone.
+  const bool anytaken = !g.planar && std::find(g.states.begin(), g.states.end(), groupstaken) != g.states.end();
   c.component.resize(c.runs.size());
   const tfacecounter faces(g);
   for (int64_t r = 0; r < rows; ++r)
@@ -116,8 +168,14 @@ tgroupcomponents groupcomponents(const tgroupgrid& g) {
         c.component[i] = c.component[root];
       }
       const tgrouprun run = c.runs[i];
-      c.count[c.component[i]] += run.x1 - run.x0 + 1;
-      c.border[c.component[i]] += g.planar ? faces.planar(r, run) : faces.faces(r, run);
+      const int64_t len = run.x1 - run.x0 + 1;
+      c.count[c.component[i]] += len;
+      if (g.planar)
+        c.border[c.component[i]] += faces.planar(r, run);
+      else if (anytaken)
+        c.border[c.component[i]] += faces.faces(r, run);
+      else
+        c.border[c.component[i]] += 6 * len - 2 * (len - 1 + touching[i]) - (g.outsideborder ? 0 : boundaryfaces(g, r, run));
     }
   if (g.planar)
     for (size_t k = 0; k < c.count.size(); ++k) c.border[k] -= c.count[k];
