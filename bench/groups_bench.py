@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """Face-connected regions of a 256^3 16-bit random mask at densities 0.3 and 0.6:
 voxmill's scalar.group against scipy.ndimage.label (default structure: faces) on the
-same array, the threshold included on both sides.
+same array, the threshold included on both sides; and the histogram of a 256^3 16-bit
+volume, scalar.histogram against numpy.bincount.
 
   groups_bench.py VOXMILL
 
@@ -38,6 +39,11 @@ def main():
         one = voxmill_once(binary, folder, setup, GROUP)
         print("density %.1f: %d groups  scipy label %.3f s  voxmill scalar.group %.3f s  %.2fx scipy"
               % (density, groups, peer, one, peer / one))
+    data = rng.integers(0, 65536, (N, N, N), dtype=np.uint16)
+    nib.save(nib.Nifti1Image(data, np.eye(4), dtype=np.uint16), os.path.join(folder, "v.nii"))
+    peer = best(lambda: np.bincount(data.ravel(), minlength=65536))
+    one = voxmill_once(binary, folder, ["scalar.16bit", 'scalar.load "v.nii"'], "scalar.histogram")
+    print("histogram: numpy bincount %.3f s  voxmill scalar.histogram %.3f s  %.2fx numpy" % (peer, one, peer / one))
     shutil.rmtree(folder)
 
 
