@@ -8,6 +8,7 @@
 #include "commands/commandtable.h"
 #include "commands/workspace_handlers.h"
 #include "ops/group.h"
+#include "ops/slices.h"
 #include "script/registry.h"
 #include "script/values.h"
 #include "script/variables.h"
@@ -40,7 +41,7 @@ void groupcmd(tscript& s) {
   int64_t lo, hi, least = 0, most = 0;
   cutrange(param(s, 2), lo, hi);
   if (keep != tgroupkeep::all) cutrange(param(s, 3), least, most);
-  const tgroupresult r = groupfield(*target, *source, lo, hi, {keep, least, most});
+  const tgroupresult r = groupfield(*target, *source, lo, hi, {keep, least, most}, threadlimit(s));
   const utf16 prefix = familyprefix<W>();
   setvar(s, prefix + "groups", nattext(r.added));
   setvar(s, prefix + "groups.min", nattext(r.first));

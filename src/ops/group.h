@@ -32,10 +32,11 @@ struct tgroupresult {
 // Labels the regions of `source` whose value lies in lo..hi and where the target is 0,
 // from max(target) + 1 on; a target of size 0 must have been sized by the caller. Prints
 // the range conflict, the first number and the count of groups. hi < lo means hi = lo.
+// Volumes work on up to `threads` threads, with the same result for any count.
 tgroupresult groupfield(tscalarfield& target, const tscalarfield& source, int64_t lo, int64_t hi,
-                        const tgroupfilter& keep);
+                        const tgroupfilter& keep, int64_t threads = 1);
 tgroupresult groupfield(timagefield& target, const timagefield& source, int64_t lo, int64_t hi,
-                        const tgroupfilter& keep);
+                        const tgroupfilter& keep, int64_t threads = 1);
 // Regions of the range where the target is 0 join the one group they touch; a region
 // that touches two groups stays 0. The tables grow by what joined.
 void groupadd(tscalarfield& target, const tscalarfield& source, int64_t lo, int64_t hi);
@@ -73,8 +74,9 @@ struct tgroupcomponents {
   std::vector<uint32_t> component;   // per run
   std::vector<int64_t> count, border;
 };
-// The fast labelling: runs of members joined by a union-find.
-tgroupcomponents groupcomponents(const tgroupgrid& g);
+// The fast labelling: runs of members joined by a union-find, on up to `threads` threads;
+// the result is the same for any count.
+tgroupcomponents groupcomponents(const tgroupgrid& g, int64_t threads = 1);
 // Per voxel: 0 or the component number from 1.
 std::vector<int64_t> grouplabels(const tgroupgrid& g, const tgroupcomponents& c);
 // The plain stack fill, voxel by voxel in the push order z+1, z-1, y+1, y-1, x+1, x-1:

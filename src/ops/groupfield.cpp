@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "ops/blocks.h"
 #include "ops/group.h"
 #include "script/values.h"
 #include "shell/console.h"
@@ -61,21 +62,24 @@ int64_t valueat(const tscalarfield& f, int64_t x, int64_t y, int64_t z) { return
 int64_t valueat(const timagefield& f, int64_t x, int64_t y, int64_t) { return getvalue(f, x, y); }
 
 template <class F>
-int64_t fieldmaximum(const F& f) {
+int64_t fieldmaximum(const F& f, int64_t threads) {
   const tnatvector size = fieldsize(f);
-  const int64_t n = size[0] * size[1] * size[2];
-  int64_t top = 0;
+  const int64_t plane = size[0] * size[1];
+  std::vector<int64_t> tops(static_cast<size_t>(size[2]), 0);
   withreader(f, [&](auto get) {
-    for (int64_t i = 0; i < n; ++i) top = std::max(top, get(i));
+    inblocks(size[2], threads, [&](int64_t first, int64_t end) {
+      for (int64_t z = first; z < end; ++z)
+        for (int64_t i = z * plane; i < (z + 1) * plane; ++i) tops[z] = std::max(tops[z], get(i));
+    });
   });
-  return top;
+  return tops.empty() ? 0 : *std::max_element(tops.begin(), tops.end());
 }
 
 // The states of the target's voxels; a source of another size is read by position, so
 // that what lies outside it reads as its background.
 template <class F>
 tgroupgrid groupgrid(const F& target, const F& source, int64_t lo, int64_t hi, int64_t sourcebackground,
-                     const char* word) {
+                     const char* word, int64_t threads) {
   tgroupgrid g;
   const tnatvector size = fieldsize(target);
   g.nx = size[0], g.ny = size[1], g.nz = size[2];
@@ -85,8 +89,9 @@ tgroupgrid groupgrid(const F& target, const F& source, int64_t lo, int64_t hi, i
   const bool samesize = fieldsize(source) == size;
   withreader(target, [&](auto targetget) {
     const auto fill = [&](auto sourceget) {
-      for (int64_t z = 0; z < g.nz; ++z) {
-        progress(word, static_cast<double>(z + 1) / static_cast<double>(g.nz));
+      inblocks(g.nz, threads, [&](int64_t first, int64_t end) {
+      for (int64_t z = first; z < end; ++z) {
+        if (first == 0) progress(word, static_cast<double>(z + 1) / static_cast<double>(end));
         uint8_t* states = g.states.data();
         for (int64_t i = z * plane; i < (z + 1) * plane; ++i) {
           const int64_t v = sourceget(i);
@@ -94,6 +99,7 @@ tgroupgrid groupgrid(const F& target, const F& source, int64_t lo, int64_t hi, i
           states[i] = targetget(i) != 0 ? groupstaken : inrange;
         }
       }
+      });
     };
     if (samesize)
       withreader(source, fill);
@@ -141,14 +147,17 @@ bool kept(const tgroupfilter& keep, int64_t count) {
 
 // Writes `numbers[component]` into every voxel of the components with a number above 0.
 template <class F>
-void writecomponents(F& target, const tgroupgrid& g, const tgroupcomponents& c, const std::vector<int64_t>& numbers) {
+void writecomponents(F& target, const tgroupgrid& g, const tgroupcomponents& c, const std::vector<int64_t>& numbers,
+                     int64_t threads) {
   withwriter(target, [&](auto put) {
-    for (size_t r = 0; r + 1 < c.rowstart.size(); ++r)
-      for (int64_t i = c.rowstart[r]; i < c.rowstart[r + 1]; ++i) {
-        const int64_t number = numbers[c.component[i]];
-        if (number > 0)
-          for (int64_t x = c.runs[i].x0; x <= c.runs[i].x1; ++x) put(static_cast<int64_t>(r) * g.nx + x, number);
-      }
+    inblocks(g.nz, threads, [&](int64_t first, int64_t end) {
+      for (int64_t r = first * g.ny; r < end * g.ny; ++r)
+        for (int64_t i = c.rowstart[r]; i < c.rowstart[r + 1]; ++i) {
+          const int64_t number = numbers[c.component[i]];
+          if (number > 0)
+            for (int64_t x = c.runs[i].x0; x <= c.runs[i].x1; ++x) put(r * g.nx + x, number);
+        }
+    });
   });
 }
 
@@ -160,16 +169,16 @@ void growtables(tgrouptables& t, int64_t length) {
 }
 
 template <class F>
-tgroupresult grouprun(F& target, const F& source, int64_t lo, int64_t hi, const tgroupfilter& keep) {
+tgroupresult grouprun(F& target, const F& source, int64_t lo, int64_t hi, const tgroupfilter& keep, int64_t threads) {
   hi = std::max(hi, lo);
   const int64_t background = runbackground(source, lo, hi);
-  const int64_t start = fieldmaximum(target);
+  const int64_t start = fieldmaximum(target, threads);
   tgrouptables& t = grouptables();
   t.count.resize(start, 0);
   t.border.resize(start, 0);
   println("  New groups start at: " + nattext(start + 1));
-  const tgroupgrid g = groupgrid(target, source, lo, hi, background, keepword(keep));
-  const tgroupcomponents c = groupcomponents(g);
+  const tgroupgrid g = groupgrid(target, source, lo, hi, background, keepword(keep), threads);
+  const tgroupcomponents c = groupcomponents(g, threads);
   std::vector<int64_t> numbers(c.count.size(), 0);
   tgroupresult result{0, start + 1, start};
   for (size_t k = 0; k < c.count.size(); ++k) {
@@ -179,7 +188,7 @@ tgroupresult grouprun(F& target, const F& source, int64_t lo, int64_t hi, const 
     t.border.push_back(c.border[k]);
   }
   result.added = result.last - start;
-  writecomponents(target, g, c, numbers);
+  writecomponents(target, g, c, numbers, threads);
   println("  Groups: " + nattext(result.added));
   return result;
 }
@@ -225,7 +234,7 @@ template <class F>
 void addrun(F& target, const F& source, int64_t lo, int64_t hi) {
   hi = std::max(hi, lo);
   const int64_t background = lo == 0 ? sourcetop(source) : getbackground(source);
-  const tgroupgrid g = groupgrid(target, source, lo, hi, background, "  Additional groups");
+  const tgroupgrid g = groupgrid(target, source, lo, hi, background, "  Additional groups", 1);
   const tgroupcomponents c = groupcomponents(g);
   const std::vector<int64_t> group = touchedgroups(target, g, c);
   tgrouptables& t = grouptables();
@@ -235,18 +244,18 @@ void addrun(F& target, const F& source, int64_t lo, int64_t hi) {
     t.count[group[k] - 1] += c.count[k];
     t.border[group[k] - 1] += c.border[k];
   }
-  writecomponents(target, g, c, group);
+  writecomponents(target, g, c, group, 1);
 }
 
 }  // namespace
 
 tgroupresult groupfield(tscalarfield& target, const tscalarfield& source, int64_t lo, int64_t hi,
-                        const tgroupfilter& keep) {
-  return grouprun(target, source, lo, hi, keep);
+                        const tgroupfilter& keep, int64_t threads) {
+  return grouprun(target, source, lo, hi, keep, threads);
 }
 tgroupresult groupfield(timagefield& target, const timagefield& source, int64_t lo, int64_t hi,
-                        const tgroupfilter& keep) {
-  return grouprun(target, source, lo, hi, keep);
+                        const tgroupfilter& keep, int64_t threads) {
+  return grouprun(target, source, lo, hi, keep, threads);
 }
 void groupadd(tscalarfield& target, const tscalarfield& source, int64_t lo, int64_t hi) {
   addrun(target, source, lo, hi);

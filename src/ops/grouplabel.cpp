@@ -10,6 +10,7 @@
 #include <emmintrin.h>
 #endif
 
+#include "ops/blocks.h"
 #include "ops/group.h"
 
 namespace {
@@ -133,24 +134,38 @@ struct tfacecounter {
 
 }  // namespace
 
-tgroupcomponents groupcomponents(const tgroupgrid& g) {
+tgroupcomponents groupcomponents(const tgroupgrid& g, int64_t threads) {
   tgroupcomponents c;
   const int64_t rows = g.ny * g.nz;
+  // Runs slice by slice on the threads, then gathered in scan order.
+  std::vector<std::vector<tgrouprun>> slices(static_cast<size_t>(g.nz));
+  std::vector<int64_t> rowcount(static_cast<size_t>(rows), 0);
+  inblocks(g.nz, threads, [&](int64_t first, int64_t end) {
+    for (int64_t z = first; z < end; ++z)
+      for (int64_t r = z * g.ny; r < (z + 1) * g.ny; ++r) {
+        const size_t before = slices[z].size();
+        rowruns(g.states.data() + r * g.nx, g.nx, slices[z]);
+        rowcount[r] = static_cast<int64_t>(slices[z].size() - before);
+      }
+  });
   c.rowstart.resize(rows + 1);
-  c.runs.reserve(static_cast<size_t>(g.nx * rows / 4));
-  for (int64_t r = 0; r < rows; ++r) {
-    c.rowstart[r] = static_cast<int64_t>(c.runs.size());
-    rowruns(g.states.data() + r * g.nx, g.nx, c.runs);
-  }
-  c.rowstart[rows] = static_cast<int64_t>(c.runs.size());
+  c.rowstart[0] = 0;
+  for (int64_t r = 0; r < rows; ++r) c.rowstart[r + 1] = c.rowstart[r] + rowcount[r];
+  c.runs.resize(static_cast<size_t>(c.rowstart[rows]));
   tunion u;
   u.parent.resize(c.runs.size());
-  for (uint32_t i = 0; i < u.parent.size(); ++i) u.parent[i] = i;
   std::vector<uint32_t> touching(c.runs.size(), 0);
-  for (int64_t r = 0; r < rows; ++r) {
-    if (r % g.ny > 0) joinrows(u, c, touching, r, r - 1);
-    if (r >= g.ny) joinrows(u, c, touching, r, r - g.ny);
-  }
+  // Within a slice the joins reach no run of another slice: the slices join on their own
+  // threads, and then with each other in order.
+  inblocks(g.nz, threads, [&](int64_t first, int64_t end) {
+    for (int64_t z = first; z < end; ++z) {
+      std::copy(slices[z].begin(), slices[z].end(), c.runs.begin() + c.rowstart[z * g.ny]);
+      std::vector<tgrouprun>().swap(slices[z]);
+      for (int64_t i = c.rowstart[z * g.ny]; i < c.rowstart[(z + 1) * g.ny]; ++i) u.parent[i] = static_cast<uint32_t>(i);
+      for (int64_t r = z * g.ny + 1; r < (z + 1) * g.ny; ++r) joinrows(u, c, touching, r, r - 1);
+    }
+  });
+  for (int64_t r = g.ny; r < rows; ++r) joinrows(u, c, touching, r, r - g.ny);
   // Without taken voxels every face of a member that is neither a member nor outside is
   // free: the border follows from the count and the member-to-member faces alone.
   const bool anytaken = !g.planar && std::find(g.states.begin(), g.states.end(), groupstaken) != g.states.end();
