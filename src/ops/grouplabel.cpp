@@ -15,6 +15,10 @@
 
 namespace {
 
+// A whole volume in one group takes the plain fill up to this size; beyond it, whose stack
+// would need gigabytes, every outside face counts.
+constexpr int64_t wholefilllimit = int64_t{1} << 22;
+
 struct tposition {
   int64_t x, y, z;
 };
@@ -194,7 +198,7 @@ tgroupcomponents groupcomponents(const tgroupgrid& g, int64_t threads) {
     }
   if (g.planar)
     for (size_t k = 0; k < c.count.size(); ++k) c.border[k] -= c.count[k];
-  else if (c.count.size() == 1 && c.count[0] == g.nx * g.ny * g.nz)
+  else if (c.count.size() == 1 && c.count[0] == g.nx * g.ny * g.nz && c.count[0] <= wholefilllimit)
     c.border[0] = groupreference(g).border[0];
   return c;
 }
@@ -235,8 +239,9 @@ tgroupreference groupreference(const tgroupgrid& g) {
       ++count;
       const tposition next[6] = {{p.x, p.y, p.z + 1}, {p.x, p.y, p.z - 1}, {p.x, p.y + 1, p.z},
                                  {p.x, p.y - 1, p.z}, {p.x + 1, p.y, p.z}, {p.x - 1, p.y, p.z}};
+      // 3-D: a voxel labelled already would pop without effect, so it isn't pushed.
       for (int k = g.planar ? 2 : 0; k < 6; ++k)
-        if (!g.planar || inside(next[k])) stack.push_back(next[k]);
+        if (g.planar ? inside(next[k]) : !inside(next[k]) || out.label[index(next[k])] == 0) stack.push_back(next[k]);
     }
     out.count.push_back(count);
     out.border.push_back(border);
