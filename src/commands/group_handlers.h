@@ -18,14 +18,16 @@ constexpr const char* familyprefix() {
   return std::same_as<workspacefieldof<W>, timagefield> ? "image." : "scalar.";
 }
 
-// The target (strict: not the current field) sized after the source when it is empty;
-// nil when a name failed, reported.
+// The target (strict: not the current field) sized after the source when it is empty,
+// else told of, unless it is expected to hold groups already; nil when a name failed,
+// reported.
 template <auto& W>
-std::pair<workspacefieldof<W>*, const workspacefieldof<W>*> grouptargets(tscript& s) {
+std::pair<workspacefieldof<W>*, const workspacefieldof<W>*> grouptargets(tscript& s, bool filled = false) {
   auto* target = resulttarget<W>(s, true);
   if (!target) return {nullptr, nullptr};
   const auto* source = workspaceoperand(s, W, param(s, 1));
   if (!source) return {nullptr, nullptr};
+  if (filled && !fieldempty(*target)) return {target, source};
   if (prepareresult(W, *target, *source, fieldsize(*source))) {
     if constexpr (std::same_as<workspacefieldof<W>, tscalarfield>) copylabels(*target, *source);
   }
@@ -51,7 +53,7 @@ void groupcmd(tscript& s) {
 template <auto& W>
 void groupaddcmd(tscript& s) {
   if (!checkparams(s, 2)) return;
-  const auto [target, source] = grouptargets<W>(s);
+  const auto [target, source] = grouptargets<W>(s, true);
   if (!target) return;
   int64_t lo, hi;
   cutrange(param(s, 2), lo, hi);
