@@ -54,10 +54,9 @@ void joinrows(tunion& u, const tgroupcomponents& c, std::vector<uint32_t>& touch
       u.join(static_cast<uint32_t>(i), static_cast<uint32_t>(j));
       touching[i] += static_cast<uint32_t>(std::min(a.x1, b.x1) - std::max(a.x0, b.x0) + 1);
     }
-    if (a.x1 < b.x1)
-      ++i;
-    else
-      ++j;
+    const bool first = a.x1 < b.x1;  // the run that ends first is done
+    i += first;
+    j += !first;
   }
 }
 
