@@ -107,16 +107,16 @@ std::span<const tcommand> grouprows() {
                 "new := group.minmax old <128, 255> <100, 1000> // keep groups of 100 to 1000 members"),
       eitherway("group.add", groupaddcmd<W>,
                 "new := group.add old <128, 255> // regions of the range that touch one group join it"),
-      {"group.unsort", k1, unsortcmd<W>, nullptr, "group.unsort // random numbering of the groups"},
-      {"group.sort.inverse", k1, inversecmd<W>, nullptr, "group.sort.inverse true // sorts number from the largest"},
-      {"group.sort.count", k1, sortcmd<W, tgroupkey::count>, nullptr,
+      {"group.unsort", procedure, unsortcmd<W>, nullptr, "group.unsort // random numbering of the groups"},
+      {"group.sort.inverse", procedure, inversecmd<W>, nullptr, "group.sort.inverse true // sorts number from the largest"},
+      {"group.sort.count", procedure, sortcmd<W, tgroupkey::count>, nullptr,
        "group.sort.count // renumber by voxel count; group.sort.count 20: into 20 classes"},
-      {"group.sort.border", k1, sortcmd<W, tgroupkey::border>, nullptr, "group.sort.border // renumber by border"},
-      {"group.sort.fraction", k1, sortcmd<W, tgroupkey::fraction>, nullptr,
+      {"group.sort.border", procedure, sortcmd<W, tgroupkey::border>, nullptr, "group.sort.border // renumber by border"},
+      {"group.sort.fraction", procedure, sortcmd<W, tgroupkey::fraction>, nullptr,
        "group.sort.fraction // renumber by border/count"},
-      {"group.sort.fraction.log", k1, sortlogcmd<W>, nullptr,
+      {"group.sort.fraction.log", procedure, sortlogcmd<W>, nullptr,
        "group.sort.fraction.log 20 10 // 20 classes of log10(border/count); one parameter: the base, ranks"},
-      {"group.stat", k1, statcmd<W>, nullptr, "group.stat \"groups.txt\" // write groupid border count border/count"},
+      {"group.stat", procedure, statcmd<W>, nullptr, "group.stat \"groups.txt\" // write groupid border count border/count"},
   };
   return rows;
 }

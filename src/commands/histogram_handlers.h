@@ -6,7 +6,7 @@
 #include "commands/commandtable.h"
 #include "commands/workspace_handlers.h"
 #include "drawing/histogramchart.h"
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
 #include "ops/histogram.h"
 #include "script/registry.h"
 #include "script/values.h"
@@ -100,16 +100,16 @@ template <auto& W>
 std::span<const tcommand> histogramrows() {
   using enum tcommandkind;
   static const tcommand rows[] = {
-      {"histogram", k1, histogramcmd<W>, nullptr,
+      {"histogram", procedure, histogramcmd<W>, nullptr,
        "histogram // or histogram <70, 2>: the value distribution on the console, log10 scale"},
-      {"histogram.image", k1, histogramimagecmd<W>, nullptr,
+      {"histogram.image", procedure, histogramimagecmd<W>, nullptr,
        "histogram.image \"histogram.svg\" // the histogram as a chart: svg, svgz, eps, png, bmp, ppm ..."},
-      {"histogram.raw", k1, histogramrawcmd<W>, nullptr, "histogram.raw \"histogram.txt\" // write value count"},
-      {"analysis", k1, analysiscmd<W>, nullptr,
+      {"histogram.raw", procedure, histogramrawcmd<W>, nullptr, "histogram.raw \"histogram.txt\" // write value count"},
+      {"analysis", procedure, analysiscmd<W>, nullptr,
        "analysis // maxima, minima and inflection points of the smoothed histogram"},
-      {"analysis.image", k1, analysisimagecmd<W>, nullptr,
+      {"analysis.image", procedure, analysisimagecmd<W>, nullptr,
        "analysis.image \"analysis.svg\" // chart of the smoothed histogram with the points found, and analysis.txt"},
-      {"analysis.raw", k1, analysisrawcmd<W>, nullptr,
+      {"analysis.raw", procedure, analysisrawcmd<W>, nullptr,
        "analysis.raw \"analysis.txt\" // write i value f f' f'' (and of log10 counts to analysis-log.txt)"},
   };
   return rows;
@@ -120,7 +120,7 @@ template <auto& W>
 std::span<const tcommand> histogramfastrows() {
   using enum tcommandkind;
   static const tcommand rows[] = {
-      {"histogram.fast", k1, histogramcmd<W>, nullptr, "histogram.fast // same as histogram, from the voxel array"},
+      {"histogram.fast", procedure, histogramcmd<W>, nullptr, "histogram.fast // same as histogram, from the voxel array"},
   };
   return rows;
 }

@@ -6,8 +6,8 @@
 
 #include "drawing/chart.h"
 #include "drawing/draw.h"
-#include "formats/filebuffer.h"
-#include "formats/gzip.h"
+#include "base/filebuffer.h"
+#include "base/gzip.h"
 #include "formats/imagefile.h"
 #include "shell/console.h"
 #include "shell/files.h"

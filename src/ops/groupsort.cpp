@@ -10,7 +10,7 @@
 #include "ops/leveladjust.h"
 #include "script/values.h"
 #include "shell/console.h"
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
 
 namespace {
 
