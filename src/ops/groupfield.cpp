@@ -121,7 +121,9 @@ tgroupgrid groupgrid(const F& target, const F& source, int64_t lo, int64_t hi, i
 }
 
 // The background that outside reads of the source give during the run: the kind's top
-// when the range starts at 0, so that the outside falls out of the range.
+// when the range starts at 0, so that the outside falls out of the range. In the range
+// conflict it stays inside the range; a position outside is still never a member (the
+// fill would walk off without end), it only stops counting as border.
 template <class F>
 int64_t runbackground(const F& source, int64_t lo, int64_t hi) {
   if (lo != 0) return getbackground(source);
