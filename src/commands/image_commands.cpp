@@ -5,6 +5,9 @@
 #include "commands/group_handlers.h"
 #include "commands/histogram_handlers.h"
 #include "commands/level_handlers.h"
+#include "commands/levelrule_handlers.h"
+#include "commands/morphology_handlers.h"
+#include "commands/resample_handlers.h"
 #include "field/workspaces.h"
 
 namespace {
@@ -35,7 +38,7 @@ const tcommand imagerows[] = {
 
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
-      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), imagecolourrows(),
+      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), levelrulerows<imageworkspace>(), morphologyrows<imageworkspace>(), imagemorphologyrows(), resamplerows<imageworkspace>(), imagereshaperows(), imagecolourrows(),
                           spatialrows<imageworkspace>(), grouprows<imageworkspace>(), histogramrows<imageworkspace>()});
   return {"image.", rows};
 }

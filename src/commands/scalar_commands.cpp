@@ -5,6 +5,9 @@
 #include "commands/group_handlers.h"
 #include "commands/histogram_handlers.h"
 #include "commands/level_handlers.h"
+#include "commands/levelrule_handlers.h"
+#include "commands/morphology_handlers.h"
+#include "commands/resample_handlers.h"
 #include "commands/scalar_rows.h"
 #include "field/workspaces.h"
 
@@ -36,6 +39,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), grouprows<scalarworkspace>(), histogramrows<scalarworkspace>(), histogramfastrows<scalarworkspace>()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), levelrulerows<scalarworkspace>(), morphologyrows<scalarworkspace>(), scalarmorphologyrows(), resamplerows<scalarworkspace>(), scalarreshaperows(), grouprows<scalarworkspace>(), histogramrows<scalarworkspace>(), histogramfastrows<scalarworkspace>()});
   return {"scalar.", rows};
 }
