@@ -109,7 +109,9 @@ bool groupstat(const utf16& name) {
   if (t.count.empty()) return false;
   std::string text;
   for (size_t i = 0; i < t.count.size(); ++i) {
-    const double fraction = static_cast<double>(t.border[i]) / static_cast<double>(t.count[i]);
+    // Numbers below the run's start that no group of the tables holds have no fraction: 0.
+    const double fraction =
+        t.count[i] > 0 ? static_cast<double>(t.border[i]) / static_cast<double>(t.count[i]) : 0;
     text += std::to_string(i + 1) + "\t" + std::to_string(t.border[i]) + "\t" + std::to_string(t.count[i]) + "\t" +
             utf16toutf8(realtext(fraction)) + "\n";
   }
