@@ -35,6 +35,7 @@ struct tunion {
     return a;
   }
   void join(uint32_t a, uint32_t b) {
+    if (parent[a] == parent[b]) return;  // most joins meet a set they are in already
     a = find(a), b = find(b);
     if (a < b)
       parent[b] = a;
