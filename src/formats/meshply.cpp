@@ -1,5 +1,6 @@
 #include "formats/meshply.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 #include <string>
@@ -11,48 +12,65 @@
 
 namespace {
 
-// The byte size of a PLY scalar type, 0 for an unknown one.
-int typesize(std::string_view t) {
-  if (t == "char" || t == "uchar" || t == "int8" || t == "uint8") return 1;
-  if (t == "short" || t == "ushort" || t == "int16" || t == "uint16") return 2;
-  if (t == "int" || t == "uint" || t == "int32" || t == "uint32" || t == "float" || t == "float32") return 4;
-  if (t == "double" || t == "float64") return 8;
-  return 0;
+// The scalar types of PLY, by their old and new names; unknown is 0.
+enum tplytype : uint8_t { plyunknown, plyint8, plyuint8, plyint16, plyuint16, plyint32, plyuint32, plyfloat32, plyfloat64 };
+
+tplytype plytypenamed(std::string_view t) {
+  if (t == "char" || t == "int8") return plyint8;
+  if (t == "uchar" || t == "uint8") return plyuint8;
+  if (t == "short" || t == "int16") return plyint16;
+  if (t == "ushort" || t == "uint16") return plyuint16;
+  if (t == "int" || t == "int32") return plyint32;
+  if (t == "uint" || t == "uint32") return plyuint32;
+  if (t == "float" || t == "float32") return plyfloat32;
+  if (t == "double" || t == "float64") return plyfloat64;
+  return plyunknown;
+}
+
+int typesize(tplytype t) {
+  constexpr int sizes[] = {0, 1, 1, 2, 2, 4, 4, 4, 8};
+  return sizes[t];
 }
 
 struct tplyproperty {
-  std::string name, type;
+  std::string name;
+  tplytype type = plyunknown;
   int size = 0;
 };
 
 struct tplyheader {
   int64_t vertices = -1, faces = -1;
   std::vector<tplyproperty> vertexprops;
-  std::string countype = "uchar", indextype = "int";
+  tplytype countype = plyuint8, indextype = plyint32;
   bool normals = false, colors = false, ascii = false, big = false;
   size_t datastart = 0;  // first byte behind the end_header line
   int64_t headerlines = 0;
 };
 
-double readscalar(const char* p, const std::string& type, bool big) {
-  unsigned char b[8];
-  const int n = typesize(type);
-  std::memcpy(b, p, n);
-  if (big != (std::endian::native == std::endian::big))
-    for (int i = 0; i < n / 2; ++i) std::swap(b[i], b[n - 1 - i]);
-  auto as = [&]<class T>(T) {
-    T v;
-    std::memcpy(&v, b, sizeof v);
-    return static_cast<double>(v);
-  };
-  if (type == "char" || type == "int8") return as(int8_t{});
-  if (type == "uchar" || type == "uint8") return as(uint8_t{});
-  if (type == "short" || type == "int16") return as(int16_t{});
-  if (type == "ushort" || type == "uint16") return as(uint16_t{});
-  if (type == "int" || type == "int32") return as(int32_t{});
-  if (type == "uint" || type == "uint32") return as(uint32_t{});
-  if (type == "float" || type == "float32") return as(float{});
-  return as(double{});
+template <class T>
+double as(const char* p, bool swap) {
+  char b[sizeof(T)];
+  std::memcpy(b, p, sizeof b);
+  if (swap) std::reverse(b, b + sizeof b);
+  T v;
+  std::memcpy(&v, b, sizeof v);
+  return static_cast<double>(v);
+}
+
+double readscalar(const char* p, tplytype type, bool big) {
+  const bool swap = big != (std::endian::native == std::endian::big);
+  switch (type) {
+    case plyint8: return as<int8_t>(p, false);
+    case plyuint8: return as<uint8_t>(p, false);
+    case plyint16: return as<int16_t>(p, swap);
+    case plyuint16: return as<uint16_t>(p, swap);
+    case plyint32: return as<int32_t>(p, swap);
+    case plyuint32: return as<uint32_t>(p, swap);
+    case plyfloat32: return as<float>(p, swap);
+    case plyfloat64: return as<double>(p, swap);
+    case plyunknown: break;
+  }
+  return 0;
 }
 
 std::vector<std::string_view> words(std::string_view l) {
@@ -101,10 +119,10 @@ bool readheader(std::string_view data, const utf16& name, tplyheader& h) {
       if (inface) h.faces = n;
     } else if (w[0] == "property" && w.size() >= 3) {
       if (inface && w[1] == "list" && w.size() >= 4) {
-        h.countype = std::string(w[2]);
-        h.indextype = std::string(w[3]);
+        h.countype = plytypenamed(w[2]);
+        h.indextype = plytypenamed(w[3]);
       } else if (!inface) {
-        tplyproperty p{std::string(w[2]), std::string(w[1]), typesize(w[1])};
+        tplyproperty p{std::string(w[2]), plytypenamed(w[1]), typesize(plytypenamed(w[1]))};
         if (p.name == "nx") h.normals = true;
         if (p.name == "r" || p.name == "red") h.colors = true;
         h.vertexprops.push_back(p);
