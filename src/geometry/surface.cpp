@@ -1,5 +1,6 @@
 #include "geometry/surface.h"
 
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -28,15 +29,17 @@ struct tsampler {
 struct tskipgrid {
   static constexpr int64_t side = 102;
   std::vector<uint8_t> cells = std::vector<uint8_t>(side * side * side, 0);
-  tnatvector divisor{};
+  std::array<std::vector<int64_t>, 3> bins;  // bin of each position 0..size + 1, plus one
   explicit tskipgrid(const tnatvector& size) {
-    for (int a = 0; a < 3; ++a) divisor[a] = std::max<int64_t>(size[a], 99);
+    for (int a = 0; a < 3; ++a) {
+      const int64_t divisor = std::max<int64_t>(size[a], 99);
+      for (int64_t v = 0; v <= size[a] + 1; ++v) bins[a].push_back(std::min<int64_t>(v * 99 / divisor, 100) + 1);
+    }
   }
-  int64_t bin(int64_t v, int a) const { return std::min<int64_t>(v * 99 / divisor[a], 100); }
-  uint8_t& cell(int64_t bx, int64_t by, int64_t bz) { return cells[(bx + 1) + (by + 1) * side + (bz + 1) * side * side]; }
-  uint8_t& of(int64_t x, int64_t y, int64_t z) { return cell(bin(x, 0), bin(y, 1), bin(z, 2)); }
+  uint8_t& cell(int64_t bx, int64_t by, int64_t bz) { return cells[bx + by * side + bz * side * side]; }
+  uint8_t of(int64_t x, int64_t y, int64_t z) const { return cells[bins[0][x] + bins[1][y] * side + bins[2][z] * side * side]; }
   void mark(int64_t x, int64_t y, int64_t z) {
-    const int64_t bx = bin(x, 0), by = bin(y, 1), bz = bin(z, 2);
+    const int64_t bx = bins[0][x], by = bins[1][y], bz = bins[2][z];
     for (int64_t k = -1; k <= 1; ++k)
       for (int64_t j = -1; j <= 1; ++j)
         for (int64_t i = -1; i <= 1; ++i) {
@@ -139,14 +142,13 @@ void march(tmesh& m, const tscalarfield& f, const A& a, double low, double high,
     progress("Precalculation", static_cast<double>(z) / size[2]);
     for (int64_t y = 1; y <= size[1]; ++y)
       for (int64_t x = 1; x <= size[0]; ++x)
-        if (grid.of(x, y, z) != 2 && marcher.invalue(marcher.s.at(x, y, z))) grid.mark(x, y, z);
+        if (marcher.invalue(marcher.s.at(x, y, z)) && grid.of(x, y, z) != 2) grid.mark(x, y, z);
   }
   progressend();
   auto eachcube = [&](int64_t z, auto visit) {
     for (int64_t y = 0; y <= size[1] + 1; ++y)
       for (int64_t x = 0; x <= size[0] + 1; ++x)
-        if (grid.cells[(grid.bin(x, 0) + 1) + (grid.bin(y, 1) + 1) * grid.side + (grid.bin(z, 2) + 1) * grid.side * grid.side])
-          visit(x, y);
+        if (grid.of(x, y, z)) visit(x, y);
   };
   // Count first, so that the mesh's lists grow once: at this size a growth copies
   // hundreds of megabytes.
