@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 #include "ops/slices.h"
@@ -15,34 +17,36 @@ inline void addto(tvector& s, const tvector& v) {
   s[2] += v[2];
 }
 
-// One slice of the inner voxels of slice z into out (the plane, x fastest): the sums of
-// three planes, then of three rows, then of three columns.
+// One slice of the inner voxels of slice z into out (the plane, x fastest). Per row, each
+// column of the 3x3 window is summed along z, then along y; the row then sums three
+// columns. The nine rows read stay in the cache.
 template <class E>
 void meanslice(const E* v, int64_t nx, int64_t ny, int64_t z, tvector* out) {
   const int64_t area = nx * ny;
   const E* mid = v + (z - 1) * area;
-  thread_local std::vector<tvector> zsums, rows;
-  zsums.resize(area);
-  rows.resize(nx);
-  for (int64_t i = 0; i < area; ++i) {
-    tvector s = readvector(mid[i - area]);
-    addto(s, readvector(mid[i]));
-    addto(s, readvector(mid[i + area]));
-    zsums[i] = s;
-  }
+  thread_local std::vector<tvector> columns;
+  columns.resize(nx);
   for (int64_t y = 1; y < ny - 1; ++y) {
-    const tvector* a = zsums.data() + (y - 1) * nx;
+    const E* row = mid + y * nx;
     for (int64_t x = 0; x < nx; ++x) {
-      tvector s = a[x];
-      addto(s, a[x + nx]);
-      addto(s, a[x + 2 * nx]);
-      rows[x] = s;
+      tvector s{0, 0, 0};
+      for (const int64_t dy : {-nx, int64_t{0}, nx}) {
+        const E* c = row + x + dy;
+        tvector t = readvector(c[-area]);
+        addto(t, readvector(c[0]));
+        addto(t, readvector(c[area]));
+        if (dy == -nx)
+          s = t;
+        else
+          addto(s, t);
+      }
+      columns[x] = s;
     }
     tvector* o = out + y * nx;
     for (int64_t x = 1; x < nx - 1; ++x) {
-      tvector s = rows[x - 1];
-      addto(s, rows[x]);
-      addto(s, rows[x + 1]);
+      tvector s = columns[x - 1];
+      addto(s, columns[x]);
+      addto(s, columns[x + 1]);
       o[x] = {s[0] / 27, s[1] / 27, s[2] / 27};
     }
   }
@@ -65,16 +69,49 @@ void cornerslice(const E* v, int64_t nx, int64_t ny, int64_t z, tvector* out) {
     }
 }
 
+// The slice buffers of a command, kept for reuse over its slices and passes: a plane of a
+// 128^2 slice is larger than the allocator keeps in its heap, and a fresh one per slice
+// costs its page faults again, on every thread at once. Only a few are in flight at a time.
+struct tplanering {
+  int64_t area;
+  std::vector<std::unique_ptr<tvector[]>> free, used;
+  std::mutex lock;
+
+  tplanering(int64_t count, int64_t planearea) : area(planearea), used(count + 1) {}
+  // The result plane of job j, until close(j).
+  tvector* open(int64_t j) {
+    std::unique_ptr<tvector[]> plane;
+    {
+      std::lock_guard g(lock);
+      if (!free.empty()) {
+        plane = std::move(free.back());
+        free.pop_back();
+      }
+    }
+    if (!plane) plane = std::make_unique_for_overwrite<tvector[]>(area);
+    tvector* p = plane.get();
+    std::lock_guard g(lock);
+    used[j] = std::move(plane);
+    return p;
+  }
+  const tvector* get(int64_t j) {
+    std::lock_guard g(lock);
+    return used[j].get();
+  }
+  void close(int64_t j) {
+    std::lock_guard g(lock);
+    free.push_back(std::move(used[j]));
+  }
+};
+
 // Job j computes slice z = j + 1, so that the jobs cover the inner slices 2..nz-1.
 template <class E>
 struct tvectorsmoothjob {
   E* v;
   int64_t nx, ny;
   tvectorsmooth kind;
-  tsliceplanes<tvector> planes;
+  tplanering& planes;
 
-  tvectorsmoothjob(E* voxels, int64_t x, int64_t y, int64_t z, tvectorsmooth k)
-      : v(voxels), nx(x), ny(y), kind(k), planes(z - 2, x * y) {}
   void compute(int64_t j) {
     tvector* out = planes.open(j);
     switch (kind) {
@@ -107,8 +144,9 @@ void smoothvectors(tvectorfield& f, tvectorsmooth kind, int64_t passes, int64_t 
   eachstorage(f, [&](auto& a) {
     if (a.sizex < 3 || a.sizey < 3 || a.sizez < 3) return;
     using E = vectorelement<decltype(a)>;
+    tplanering planes(a.sizez - 2, a.sizex * a.sizey);
     for (int64_t pass = 1; pass <= passes; ++pass) {
-      tvectorsmoothjob<E> job(a.items(), a.sizex, a.sizey, a.sizez, kind);
+      tvectorsmoothjob<E> job{a.items(), a.sizex, a.sizey, kind, planes};
       runslices(job, a.sizez - 2, parallel, smoothlabel(kind));
     }
     a.sorted = false;
