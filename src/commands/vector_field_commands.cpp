@@ -1,15 +1,14 @@
-// Fields made from the vector field (scalars, tensors, an image, the distance factor), its
-// plain numbers, copies and flips, and its arithmetic; the voxel work lives in orientation/.
+// The vector field's plain numbers, copies and flips, and its arithmetic; the voxel work
+// lives in orientation/.
 #include <algorithm>
 #include <vector>
 
 #include "commands/combine_handlers.h"
 #include "commands/vector_rows.h"
 #include "field/workspaces.h"
-#include "ops/slices.h"
 #include "orientation/vectoraccess.h"
-#include "orientation/vectorderive.h"
 #include "orientation/vectorgrid.h"
+#include "orientation/vectormath.h"
 #include "orientation/vectorpoint.h"
 #include "script/registry.h"
 #include "script/values.h"
@@ -18,53 +17,6 @@ namespace {
 
 constexpr auto& W = vectorworkspace;
 tvectorfield& current() { return currentfield(W); }
-
-// The field named left of ":=" in workspace w, else its current one.
-template <class F>
-F& namedorcurrent(tscript& s, tworkspacelist<F>& w) {
-  const utf16 name = gettarget(s);
-  settarget(s, utf16());
-  F* f = empty(name) ? nullptr : workspacetarget(w, name);
-  return f ? *f : currentfield(w);
-}
-
-void lengthcmd(tscript& s) {
-  if (checkparams(s, 0))
-    vectorlengths(current(), namedorcurrent(s, scalarworkspace), scalarworkspace.defaultkind, threadlimit(s));
-}
-
-template <int axis>
-void componentcmd(tscript& s) {
-  if (checkparams(s, 0))
-    vectorcomponents(current(), axis, namedorcurrent(s, scalarworkspace), scalarworkspace.defaultkind, threadlimit(s));
-}
-
-void tensorcmd(tscript& s) {
-  if (checkparams(s, 0))
-    orientationtensors(current(), namedorcurrent(s, tensorworkspace), tensorworkspace.defaultkind, threadlimit(s));
-}
-
-// None: the current field; one name: that field; two: the comparison of both. The result
-// is computed apart, so that the target may be one of the sources.
-void factorcmd(tscript& s) {
-  const int64_t n = paramcount(s);
-  if (n > 2) return reportmax(s, 2);
-  tvectorfield* target = resulttarget<W>(s, false);
-  const tvectorfield* first = n >= 1 ? workspaceoperand(s, W, param(s, 1)) : &current();
-  const tvectorfield* second = n == 2 ? workspaceoperand(s, W, param(s, 2)) : nullptr;
-  if (!target || !first || (n == 2 && !second)) return;
-  tvectorfield result{};
-  if (n == 2 ? distancefactor(*first, *second, result) : (distancefactor(*first, result), true))
-    copyvectors(result, *target);
-  else
-    println("  Different field sizes!");
-  fieldrelease(result);
-}
-
-void fusecmd(tscript& s) {
-  if (checkparams(s, 0))
-    fusevectors(current(), currentfield(scalarworkspace), currentfield(imageworkspace), imageworkspace.defaultkind);
-}
 
 // False is the empty text.
 void ifvector(tscript& s) { setresult(s, fieldempty(current()) ? "" : "1"); }
@@ -117,34 +69,10 @@ void addone(tvectorfield& f, const tvector& v) { addvector(f, v); }
 void subone(tvectorfield& f, const tvector& v) { addvector(f, {-v[0], -v[1], -v[2]}); }
 void mulone(tvectorfield& f, const tvector& v) { mulvector(f, v); }
 
-tvector sum(std::span<const tvector> v, const tvector&) {
-  tvector r{0, 0, 0};
-  for (const tvector& a : v)
-    for (int c = 0; c < 3; ++c) r[c] += a[c];
-  return r;
-}
-tvector difference(std::span<const tvector> v, const tvector&) {
-  tvector r = v[0];
-  for (size_t i = 1; i < v.size(); ++i)
-    for (int c = 0; c < 3; ++c) r[c] -= v[i][c];
-  return r;
-}
-tvector product(std::span<const tvector> v, const tvector&) {
-  tvector r = v[0];
-  for (size_t i = 1; i < v.size(); ++i)
-    for (int c = 0; c < 3; ++c) r[c] *= v[i][c];
-  return r;
-}
-tvector mean(std::span<const tvector> v, const tvector& own) {
-  const tvector r = sum(v, own);
-  const double n = static_cast<double>(v.size());
-  return {r[0] / n, r[1] / n, r[2] / n};
-}
-
 void meancmd(tscript& s) {
   if (!checkcount(s, operandlist)) return;
   auto c = combination<W>(s, 1, paramcount(s));
-  if (c) combinevectors(*c.target, c.operands, combinewords::averaging, mean);
+  if (c) combinevectors(*c.target, c.operands, combinewords::averaging, vectormath::mean);
 }
 
 // old mask values...: old where the rounded length of the mask's vector is one of the
@@ -158,29 +86,11 @@ void maskcmd(tscript& s) {
     ranges.emplace_back(std::min(lo, hi), std::max(lo, hi));
   }
   auto c = combination<W>(s, 1, 2);
-  if (!c) return;
-  combinevectors(*c.target, c.operands, combinewords::masking, [&](std::span<const tvector> v, const tvector& own) {
-    const int64_t m = roundnat(std::sqrt(v[1][0] * v[1][0] + v[1][1] * v[1][1] + v[1][2] * v[1][2]));
-    return std::any_of(ranges.begin(), ranges.end(), [m](auto r) { return r.first <= m && m <= r.second; }) ? v[0]
-                                                                                                           : own;
-  });
+  if (c) combinevectors(*c.target, c.operands, combinewords::masking, vectormath::masked{ranges});
 }
 
 using enum tcommandkind;
 using namespace combinewords;
-const tcommand deriverows[] = {
-    eitherway("measure.length", lengthcmd, "measure.length // scalar field of the rounded vector lengths"),
-    eitherway("get.x", componentcmd<1>, "get.x // scalar field of the rounded x components"),
-    eitherway("get.y", componentcmd<2>, "get.y // scalar field of the rounded y components"),
-    eitherway("get.z", componentcmd<3>, "get.z // scalar field of the rounded z components"),
-    eitherway("gettensor", tensorcmd, "gettensor // tensor field of v * v^T"),
-    eitherway("gettensors", tensorcmd, "gettensors // same as gettensor"),
-    eitherway("factor.distance", factorcmd,
-              "new := factor.distance old1 old2 // or old1 or nothing: the distance factor of the vectors"),
-    {"fuse", k1, fusecmd, nullptr,
-     "fuse // fuse color image stack (vector field along z) with best scalar value to new image value"},
-};
-
 const tcommand fieldrows[] = {
     {"ifvector", k4, ifvector, nullptr, "ifvector // true, if the field has a size bigger than 0x0x0"},
     {"ifplain", k4, ifplain, nullptr, "ifplain // true, if all vectors are the same"},
@@ -192,11 +102,11 @@ const tcommand fieldrows[] = {
     {"flip.y", k1, flipcmd<2>, nullptr, "flip.y // reverse the y axis"},
     {"flip.z", k1, flipcmd<3>, nullptr, "flip.z // reverse the z axis"},
     eitherway("copy", copycmd, "new := copy // an exact copy of the current field"),
-    eitherway("add", arithmeticcmd<addition, addone, sum>,
+    eitherway("add", arithmeticcmd<addition, addone, vectormath::sum>,
               "new := add old1 old2 ... // the sum of 2 to 99 fields; add <x, y, z>: added to every vector"),
-    eitherway("sub", arithmeticcmd<subtraction, subone, difference>,
+    eitherway("sub", arithmeticcmd<subtraction, subone, vectormath::difference>,
               "new := sub old1 old2 // old1 - old2; sub <x, y, z>: subtracted from every vector"),
-    eitherway("mul", arithmeticcmd<multiply, mulone, product>,
+    eitherway("mul", arithmeticcmd<multiply, mulone, vectormath::product>,
               "new := mul old1 old2 // per component; mul <x, y, z>: every vector per component"),
     eitherway("mean", meancmd, "new := mean old1 old2 ... // the mean of 2 to 99 fields"),
     eitherway("mask", maskcmd, "new := mask old mask 1 <5, 9> // old where the mask's rounded length is listed"),
@@ -204,5 +114,4 @@ const tcommand fieldrows[] = {
 
 }  // namespace
 
-std::span<const tcommand> vectorderiverows() { return deriverows; }
 std::span<const tcommand> vectorfieldrows() { return fieldrows; }
