@@ -4,7 +4,7 @@
 #include "commands/vector_rows.h"
 #include "commands/workspace_handlers.h"
 #include "field/workspaces.h"
-#include "ops/slices.h"
+#include "commands/threads.h"
 #include "orientation/vectorderive.h"
 #include "orientation/vectorgrid.h"
 #include "script/registry.h"
@@ -71,7 +71,7 @@ const tcommand deriverows[] = {
     eitherway("gettensors", tensorcmd, "gettensors // same as gettensor"),
     eitherway("factor.distance", factorcmd,
               "new := factor.distance old1 old2 // or old1 or nothing: the distance factor of the vectors"),
-    {"fuse", k1, fusecmd, nullptr,
+    {"fuse", procedure, fusecmd, nullptr,
      "fuse // fuse color image stack (vector field along z) with best scalar value to new image value"},
 };
 

@@ -2,7 +2,7 @@
 // The voxel work lives in orientation/.
 #include "commands/vector_rows.h"
 #include "field/workspaces.h"
-#include "ops/slices.h"
+#include "commands/threads.h"
 #include "orientation/vectorpoint.h"
 #include "orientation/vectorsmooth.h"
 #include "script/registry.h"
@@ -61,21 +61,21 @@ void outlierscmd(tscript& s) {
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    {"direction", k1, directioncmd, nullptr, "direction // turn each vector to the side of <1, 1, 1> (float and integer)"},
-    {"inverse", k1, inversecmd, nullptr, "inverse // <1/x, 1/y, 1/z> of each non-zero vector, 0 stays (float only)"},
-    {"norm", k1, normcmd<tnormkind::length>, nullptr, "norm // v/|v| (times 2^64 for integer, 255 for rgb)"},
-    {"norm.min", k1, normcmd<tnormkind::min>, nullptr, "norm.min // v/min(x, y, z), zero if the minimum is 0"},
-    {"norm.max", k1, normcmd<tnormkind::max>, nullptr, "norm.max // v/max(x, y, z), zero if the maximum is 0"},
-    {"norm.relative", k1, normcmd<tnormkind::relative>, nullptr, "norm.relative // v/M with M the longest vector"},
-    {"setlength", k1, setlengthcmd<false>, nullptr, "setlength 2.5 // (v/|v|) * 2.5 for every vector"},
-    {"setlength.relative", k1, setlengthcmd<true>, nullptr, "setlength.relative 2.5 // (v/M) * 2.5, M the longest vector"},
-    {"erase.min", k1, erasecmd<false>, nullptr, "erase.min 0.5 // vectors shorter than 0.5 become zero"},
-    {"erase.max", k1, erasecmd<true>, nullptr, "erase.max 10 // vectors longer than 10 become zero"},
-    {"background", k1, backgroundcmd, nullptr, "background // the mean vector, zero vectors included"},
-    {"cleanup", k1, cleanupcmd, nullptr, "cleanup // vectors not near the background become the background"},
-    {"softsmooth", k1, smoothcmd<tvectorsmooth::soft>, nullptr, "softsmooth 1 // n passes: (corners/26 + midpoint)/2"},
-    {"smooth", k1, smoothcmd<tvectorsmooth::smooth>, nullptr, "smooth 1 // n passes of the 3x3x3 mean, threaded"},
-    {"hardsmooth", k1, smoothcmd<tvectorsmooth::hard>, nullptr, "hardsmooth 1 // n passes: corners/26, without the midpoint"},
+    {"direction", procedure, directioncmd, nullptr, "direction // turn each vector to the side of <1, 1, 1> (float and integer)"},
+    {"inverse", procedure, inversecmd, nullptr, "inverse // <1/x, 1/y, 1/z> of each non-zero vector, 0 stays (float only)"},
+    {"norm", procedure, normcmd<tnormkind::length>, nullptr, "norm // v/|v| (times 2^64 for integer, 255 for rgb)"},
+    {"norm.min", procedure, normcmd<tnormkind::min>, nullptr, "norm.min // v/min(x, y, z), zero if the minimum is 0"},
+    {"norm.max", procedure, normcmd<tnormkind::max>, nullptr, "norm.max // v/max(x, y, z), zero if the maximum is 0"},
+    {"norm.relative", procedure, normcmd<tnormkind::relative>, nullptr, "norm.relative // v/M with M the longest vector"},
+    {"setlength", procedure, setlengthcmd<false>, nullptr, "setlength 2.5 // (v/|v|) * 2.5 for every vector"},
+    {"setlength.relative", procedure, setlengthcmd<true>, nullptr, "setlength.relative 2.5 // (v/M) * 2.5, M the longest vector"},
+    {"erase.min", procedure, erasecmd<false>, nullptr, "erase.min 0.5 // vectors shorter than 0.5 become zero"},
+    {"erase.max", procedure, erasecmd<true>, nullptr, "erase.max 10 // vectors longer than 10 become zero"},
+    {"background", procedure, backgroundcmd, nullptr, "background // the mean vector, zero vectors included"},
+    {"cleanup", procedure, cleanupcmd, nullptr, "cleanup // vectors not near the background become the background"},
+    {"softsmooth", procedure, smoothcmd<tvectorsmooth::soft>, nullptr, "softsmooth 1 // n passes: (corners/26 + midpoint)/2"},
+    {"smooth", procedure, smoothcmd<tvectorsmooth::smooth>, nullptr, "smooth 1 // n passes of the 3x3x3 mean, threaded"},
+    {"hardsmooth", procedure, smoothcmd<tvectorsmooth::hard>, nullptr, "hardsmooth 1 // n passes: corners/26, without the midpoint"},
     eitherway("remove.outliers", outlierscmd,
               "remove.outliers 2 // vectors beyond median +- 2 * IQR of their 3x3x3 block become the medians; the count"),
 };
