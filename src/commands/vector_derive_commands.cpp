@@ -3,6 +3,7 @@
 // orientation/.
 #include "commands/vector_rows.h"
 #include "commands/workspace_handlers.h"
+#include "field/owned.h"
 #include "field/workspaces.h"
 #include "commands/threads.h"
 #include "orientation/vectorderive.h"
@@ -48,12 +49,11 @@ void factorcmd(tscript& s) {
   const tvectorfield* first = n >= 1 ? workspaceoperand(s, W, param(s, 1)) : &current();
   const tvectorfield* second = n == 2 ? workspaceoperand(s, W, param(s, 2)) : nullptr;
   if (!target || !first || (n == 2 && !second)) return;
-  tvectorfield result{};
-  if (n == 2 ? distancefactor(*first, *second, result) : (distancefactor(*first, result), true))
-    copyvectors(result, *target);
+  tlocalfield<tvectorfield> result;
+  if (n == 2 ? distancefactor(*first, *second, *result) : (distancefactor(*first, *result), true))
+    copyvectors(*result, *target);
   else
     println("  Different field sizes!");
-  fieldrelease(result);
 }
 
 void fusecmd(tscript& s) {

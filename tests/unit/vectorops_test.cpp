@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "field/owned.h"
 #include "field/tensorfield.h"
 #include "field/vectorfield.h"
 #include "orientation/vectoraccess.h"
@@ -174,7 +175,8 @@ TEST_F(VectorFields, TensorsOfEachKindAreTheOuterProduct) {
   for (const uint8_t kind : {vectorfloat, vectorinteger}) {
     tfield t(vectorinteger, {2, 2, 3});
     t.set(2, 1, 3, {2, -3, 5});
-    ttensorfield out{};
+    tlocalfield<ttensorfield> tensors;
+    ttensorfield& out = *tensors;
     orientationtensors(t.f, out, kind, 2);
     tvector d{}, o{};
     eachstorage(out, [&, first = true](const auto& a) mutable {
@@ -184,7 +186,6 @@ TEST_F(VectorFields, TensorsOfEachKindAreTheOuterProduct) {
     EXPECT_EQ(d, (tvector{4, 9, 25}));
     EXPECT_EQ(o, (tvector{-6, 10, -15}));
     EXPECT_EQ(fieldsize(out), (tnatvector{2, 2, 3}));
-    fieldrelease(out);
   }
 }
 
