@@ -6,6 +6,7 @@
 #include "commands/combine_handlers.h"
 #include "commands/vector_rows.h"
 #include "field/workspaces.h"
+#include "ops/reshape.h"
 #include "orientation/vectoraccess.h"
 #include "orientation/vectorgrid.h"
 #include "orientation/vectormath.h"
@@ -43,7 +44,7 @@ void countfunc(tscript& s) {
 
 template <int axis>
 void flipcmd(tscript& s) {
-  if (checkparams(s, 0)) flipvectors(current(), axis);
+  if (checkparams(s, 0)) flipfield(current(), axis);
 }
 
 // Only the exact copy: no factor, or one of 0 and below.
@@ -54,6 +55,18 @@ void copycmd(tscript& s) {
     return;
   }
   if (tvectorfield* target = resulttarget<W>(s, true)) copyvectors(current(), *target);
+}
+
+// Two corners by the position rule, each pair put in order.
+void substackcmd(tscript& s) {
+  if (!checkparams(s, 2)) return;
+  tvectorfield* target = resulttarget<W>(s, true);
+  if (!target) return;
+  const tnatvector p = fieldpositions(current(), textvector(param(s, 1)));
+  const tnatvector q = fieldpositions(current(), textvector(param(s, 2)));
+  tnatvector lo, hi;
+  for (int k = 0; k < 3; ++k) lo[k] = std::min(p[k], q[k]), hi[k] = std::max(p[k], q[k]);
+  subfield(*target, current(), lo, hi);
 }
 
 // One vector: the current field changes by it; two to 99 names: new := op old1 old2 ...
@@ -98,9 +111,10 @@ const tcommand fieldrows[] = {
     {"max", variablefunction, maxfunc, nullptr, "max // the longest vector length"},
     {"count", function, countfunc, nullptr, "a := count 1 5 // or <1, 5>: vectors of length 1..5; none: the non-zero ones"},
     {"count.all", variablefunction, countallfunc, nullptr, "count.all // number of voxels"},
-    {"flip.x", procedure, flipcmd<1>, nullptr, "flip.x // reverse the x axis"},
-    {"flip.y", procedure, flipcmd<2>, nullptr, "flip.y // reverse the y axis"},
-    {"flip.z", procedure, flipcmd<3>, nullptr, "flip.z // reverse the z axis"},
+    {"flip.x", procedure, flipcmd<0>, nullptr, "flip.x // reverse the x axis"},
+    {"flip.y", procedure, flipcmd<1>, nullptr, "flip.y // reverse the y axis"},
+    {"flip.z", procedure, flipcmd<2>, nullptr, "flip.z // reverse the z axis"},
+    eitherway("substack", substackcmd, "new := substack <10, 10, 10> <50%, 50%, 50%> // copy the block between two corners"),
     eitherway("copy", copycmd, "new := copy // an exact copy of the current field"),
     eitherway("add", arithmeticcmd<addition, addone, vectormath::sum>,
               "new := add old1 old2 ... // the sum of 2 to 99 fields; add <x, y, z>: added to every vector"),

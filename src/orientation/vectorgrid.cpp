@@ -17,26 +17,6 @@ void copyvectors(const tvectorfield& from, tvectorfield& to) {
   to.space = from.space;
 }
 
-void flipvectors(tvectorfield& f, int axis) {
-  static const char* const words[] = {"  Flip x", "  Flip y", "  Flip z"};
-  const int c = std::clamp(axis, 1, 3) - 1;
-  progress(words[c], 0);
-  eachstorage(f, [&](auto& a) {
-    const int64_t n[3] = {a.sizex, a.sizey, a.sizez};
-    for (int64_t z = 1; z <= n[2]; ++z)
-      for (int64_t y = 1; y <= n[1]; ++y)
-        for (int64_t x = 1; x <= n[0]; ++x) {
-          int64_t p[3] = {x, y, z};
-          // Each pair once: only the lower half moves.
-          if (2 * p[c] > n[c]) continue;
-          p[c] = n[c] + 1 - p[c];
-          a.swapitems(a.index(x, y, z), a.index(p[0], p[1], p[2]));
-        }
-    a.sorted = false;
-  });
-  progressend();
-}
-
 void readvectorrow(const tvectorfield& f, int64_t y, int64_t z, int64_t width, tvector* out) {
   std::fill_n(out, width, tvector{0, 0, 0});
   eachstorage(f, [&](const auto& a) {

@@ -1,4 +1,4 @@
-// Whole-field vector operations: exact copies, flips, and the combination of several
+// Whole-field vector operations: exact copies and the combination of several
 // fields voxel by voxel. Rows are read into float vectors and written back through the
 // rounding write, so a kind is looked at once per row, never per voxel.
 #pragma once
@@ -11,8 +11,6 @@
 
 // `to` becomes equal to `from`: kind, vectors, background and place in space.
 void copyvectors(const tvectorfield& from, tvectorfield& to);
-// Reverses axis 1, 2 or 3 in place.
-void flipvectors(tvectorfield& f, int axis);
 
 // Row (y, z) of f from x = 1, `width` vectors; outside the field the zero vector.
 void readvectorrow(const tvectorfield& f, int64_t y, int64_t z, int64_t width, tvector* out);
