@@ -1,5 +1,6 @@
 // The image family: workspace, place in space and the bit level of new images.
 #include "commands/combine_handlers.h"
+#include "commands/diffusion_rows.h"
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/level_handlers.h"
@@ -34,6 +35,6 @@ const tcommand imagerows[] = {
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
       prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), imagecolourrows(),
-                          spatialrows<imageworkspace>()});
+                          spatialrows<imageworkspace>(), imagediffusionrows()});
   return {"image.", rows};
 }

@@ -1,6 +1,7 @@
 // The vector and tensor families: workspace, place in space and the storage of new fields.
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/vectorfile_rows.h"
 #include "field/workspaces.h"
 
 namespace {
@@ -36,7 +37,7 @@ const tcommand tensorrows[] = {
 
 tcommandfamily vectorcommands() {
   static const std::vector<tcommand> rows =
-      prefixed("vector.", {workspacerows<vectorworkspace>(), vectorrows, spatialrows<vectorworkspace>()});
+      prefixed("vector.", {workspacerows<vectorworkspace>(), vectorrows, spatialrows<vectorworkspace>(), vectorfilerows()});
   return {"vector.", rows};
 }
 

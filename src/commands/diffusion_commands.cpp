@@ -1,0 +1,108 @@
+// Orientation from gray values: the diffusion scan of volumes and images and the settings
+// that each field keeps for it. The scan itself lives in orientation/.
+#include "commands/diffusion_rows.h"
+#include "commands/workspace_handlers.h"
+#include "field/workspaces.h"
+#include "ops/slices.h"
+#include "orientation/diffusion.h"
+#include "script/registry.h"
+#include "script/values.h"
+
+namespace {
+
+// The scan length each family took last; an image command without target reports its old one.
+int64_t scalarscan = 0;
+int64_t imagescan = 0;
+
+template <int64_t k, bool adaptive>
+void diffusioncmd(tscript& s) {
+  if (!checkparams(s, 1)) return;
+  scalarscan = textnat(param(s, 1));
+  scalardiffusion(currentfield(scalarworkspace), currentfield(vectorworkspace), scalarscan, k, adaptive,
+                  threadlimit(s), vectorworkspace.defaultkind);
+}
+
+void imagediffusioncmd(tscript& s) {
+  if (!checkparams(s, 1)) return;
+  if (empty(gettarget(s))) {
+    println("Wrong scan size (" + nattext(imagescan) + ")!");
+    return;
+  }
+  imagescan = textnat(param(s, 1));
+  timagefield* target = resulttarget<imageworkspace>(s, true);
+  if (target) imagediffusion(currentfield(imageworkspace), *target, imagescan, imageworkspace.defaultkind);
+}
+
+// The setters store what they are given, unchecked; numbers of methods keep their low byte.
+template <auto& W>
+void fullscancmd(tscript& s) {
+  if (checkparams(s, 1)) currentfield(W).fullscan = textbool(param(s, 1));
+}
+template <auto& W>
+void submethodcmd(tscript& s) {
+  if (checkparams(s, 1)) currentfield(W).submethod = static_cast<uint8_t>(textnat(param(s, 1)));
+}
+template <auto& W>
+void methodcmd(tscript& s) {
+  if (checkparams(s, 1)) currentfield(W).method = static_cast<uint8_t>(textnat(param(s, 1)));
+}
+template <auto& W>
+void anglecmd(tscript& s) {
+  if (checkparams(s, 1)) currentfield(W).diffusionangle = textreal(param(s, 1));
+}
+template <auto& W>
+void maxcmd(tscript& s) {
+  if (checkparams(s, 1)) currentfield(W).diffusionmax = textreal(param(s, 1));
+}
+
+template <auto& W>
+std::span<const tcommand> settingrows() {
+  using enum tcommandkind;
+  static const tcommand rows[] = {
+      {"fullscan", k1, fullscancmd<W>, nullptr, "fullscan false // true: one too short scan line fails the voxel"},
+      {"submethod", k1, submethodcmd<W>, nullptr,
+       "submethod 2 // line statistic: 0 sum, 1 mean, 2 SD, 3 min, 4 Q.25, 5 median, 6 Q.75, 7 max"},
+      {"diffusion.method", k1, methodcmd<W>, nullptr,
+       "diffusion.method 5 // 1 brell2013, 2 brell2014a, 3 brell2014b, 4 brell2015a, 5 brell2015b, 6 brell2019"},
+      {"diffusion.angle", k1, anglecmd<W>, nullptr, "diffusion.angle 5° // half opening of the cone around the mean"},
+      {"diffusion.max", k1, maxcmd<W>, nullptr,
+       "diffusion.max 25% // no orientation if at least this part of all directions ties"},
+  };
+  return rows;
+}
+
+using enum tcommandkind;
+const tcommand scalarrows[] = {
+    {"diffusion", k1, diffusioncmd<1, false>, nullptr, "diffusion 16 // vector field of the most homogeneous scan lines, radius 16"},
+    {"diffusion.x2", k1, diffusioncmd<2, false>, nullptr, "diffusion.x2 16 // the same on every 2nd voxel: field of half size"},
+    {"diffusion.x3", k1, diffusioncmd<3, false>, nullptr, "diffusion.x3 16 // every 3rd voxel"},
+    {"diffusion.x4", k1, diffusioncmd<4, false>, nullptr, "diffusion.x4 16 // every 4th voxel"},
+    {"diffusion.x5", k1, diffusioncmd<5, false>, nullptr, "diffusion.x5 16 // every 5th voxel"},
+    {"diffusion.adaptive.x2", k1, diffusioncmd<2, true>, nullptr,
+     "diffusion.adaptive.x2 16 // as x2, and if fails for subpixels the neighbours are tried"},
+    {"diffusion.adaptive.x3", k1, diffusioncmd<3, true>, nullptr, "diffusion.adaptive.x3 16 // as x3, adaptive"},
+    {"diffusion.adaptive.x4", k1, diffusioncmd<4, true>, nullptr, "diffusion.adaptive.x4 16 // as x4, adaptive"},
+    {"diffusion.adaptive.x5", k1, diffusioncmd<5, true>, nullptr, "diffusion.adaptive.x5 16 // as x5, adaptive"},
+};
+
+const tcommand imagerows[] = {
+    eitherway("diffusion", imagediffusioncmd, "new := diffusion 16 // orientation of each pixel as gray level"),
+};
+
+std::vector<tcommand> joined(std::span<const tcommand> a, std::span<const tcommand> b) {
+  std::vector<tcommand> out(a.begin(), a.end());
+  out.insert(out.end(), b.begin(), b.end());
+  return out;
+}
+
+}  // namespace
+
+std::span<const tcommand> scalardiffusionrows() {
+  static const std::vector<tcommand> rows = joined(scalarrows, settingrows<scalarworkspace>());
+  return rows;
+}
+
+std::span<const tcommand> imagediffusionrows() {
+  static const std::vector<tcommand> rows = joined(imagerows, settingrows<imageworkspace>());
+  return rows;
+}
