@@ -147,11 +147,15 @@ def unit(p):
     return tuple(c / l for c in p) if l else (0.0, 0.0, 0.0)
 
 
-def voxel(vol, p, r, method=5, sub=2, fullscan=False, cone=5 * math.pi / 180, mx=0.25, dirs=None):
+def linevalues(vol, p, dirs):
+    return [scanline(vol, tuple(p[a] + d[a] for a in range(3)), tuple(p[a] - d[a] for a in range(3))) for d in dirs]
+
+
+def voxel(vol, p, r, method=5, sub=2, fullscan=False, cone=5 * math.pi / 180, mx=0.25, dirs=None, scans=None):
     dirs = dirs if dirs is not None else directions(r)
+    scans = scans if scans is not None else linevalues(vol, p, dirs)
     lines = []
-    for d in dirs:
-        vals = scanline(vol, tuple(p[a] + d[a] for a in range(3)), tuple(p[a] - d[a] for a in range(3)))
+    for d, vals in zip(dirs, scans):
         if len(vals) < r:
             if fullscan:
                 return (0.0, 0.0, 0.0)
@@ -238,13 +242,48 @@ def voxel(vol, p, r, method=5, sub=2, fullscan=False, cone=5 * math.pi / 180, mx
     return mul(unit(acc), best) if method == 6 else acc
 
 
-def field(vol, r, **kw):
+def field(vol, r, settings, k=1, adaptive=False):
+    """The vector fields of one scan length for a list of settings (dicts of voxel's keywords);
+    the line values of each voxel are gathered once and shared by all settings."""
     dirs = directions(r)
-    out = np.zeros(vol.shape + (3,))
     nx, ny, nz = vol.shape
-    for z in range(1, nz + 1):
-        for y in range(1, ny + 1):
-            for x in range(1, nx + 1):
-                if vol[x - 1, y - 1, z - 1] >= 1:
-                    out[x - 1, y - 1, z - 1] = voxel(vol, (x, y, z), r, dirs=dirs, **kw)
-    return out
+    size = (nx // k, ny // k, nz // k)
+    outs = [np.zeros(size + (3,)) for _ in settings]
+    cache = {}
+
+    def results(p):
+        if p not in cache:
+            scans = linevalues(vol, p, dirs)
+            cache[p] = [voxel(vol, p, r, dirs=dirs, scans=scans, **kw) for kw in settings]
+        return cache[p]
+
+    retries = [(1, 1, 1), (0, 1, 1), (1, 0, 0), (1, 0, 1), (0, 1, 0), (1, 1, 0), (0, 0, 1)]
+    for j in range(1, size[2] + 1 if k > 1 else nz + 1):
+        z = j * k
+        for y in range(1, (ny // k if k > 1 else ny) + 1):
+            for x in range(1, (nx // k if k > 1 else nx) + 1):
+                if not adaptive:
+                    if value(vol, k * x, k * y, z) < 1:
+                        continue
+                    res = results((k * x, k * y, z))
+                    for o, v in zip(outs, res):
+                        o[x - 1, y - 1, j - 1] = v
+                    continue
+                if value(vol, 2 * x, 2 * y, z) < 1:
+                    res = [(0.0, 0.0, 0.0)] * len(settings)
+                else:
+                    res = list(results((k * x, k * y, z)))
+                    for i in range(len(settings)):
+                        t = 0
+                        while res[i] == (0.0, 0.0, 0.0) and t < 7:
+                            o = retries[t]
+                            res[i] = results((k * x + o[0], k * y + o[1], z + o[2]))[i]
+                            t += 1
+                for o, v in zip(outs, res):
+                    for c in range(2):
+                        for b in range(2):
+                            for a in range(2):
+                                q = (k * x + a, k * y + b, z + c)
+                                if all(1 <= q[i] <= size[i] for i in range(3)):
+                                    o[q[0] - 1, q[1] - 1, q[2] - 1] = v
+    return outs
