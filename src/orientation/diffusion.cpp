@@ -1,5 +1,7 @@
 #include "orientation/diffusion.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <numbers>
@@ -28,6 +30,7 @@ struct tscanner {
   tscandirectionset dirs;
   std::vector<tscanstep> steps;
   std::vector<int64_t> linear;  // linear offset of each d
+  std::vector<std::array<int64_t, 6>> reach;  // per direction: lowest and highest move per axis of both walks
   int64_t margin[3] = {0, 0, 0};  // closer to a border than this, a line may leave the field
   std::vector<double> values;
   std::vector<uint8_t> accepted;
@@ -39,12 +42,25 @@ struct tscanner {
     for (const tscanpoint& p : dirs.points) {
       steps.push_back(scanstep({-2 * p[0], -2 * p[1], -2 * p[2]}, size[0], nxy));
       linear.push_back(p[0] + p[1] * size[0] + p[2] * nxy);
+      reach.push_back(extent(steps.back(), p));
       // The walk strays at most one voxel beyond its ends; one more for safety.
       for (int a = 0; a < 3; ++a)
         if (p[a] != 0) margin[a] = std::max(margin[a], std::abs(p[a]) + 2);
     }
     values.resize(dirs.points.size());
     accepted.resize(dirs.points.size());
+  }
+
+  // Where the samples of both walks of a line through p = 0 can lie, per axis.
+  static std::array<int64_t, 6> extent(const tscanstep& st, const tscanpoint& d) {
+    std::array<int64_t, 6> e{0, 0, 0, 0, 0, 0};
+    for (int a = 0; a < 3; ++a) {
+      const int64_t last = st.steps < 0 ? 0 : st.steps;
+      const int64_t ends[4] = {d[a], d[a] + ((last * st.step[a]) >> 16), -d[a], -d[a] + ((-last * st.step[a]) >> 16)};
+      e[a] = *std::min_element(ends, ends + 4);
+      e[a + 3] = *std::max_element(ends, ends + 4);
+    }
+    return e;
   }
 
   Sink fresh() {
@@ -67,7 +83,10 @@ struct tscanner {
       Sink sink = fresh();
       if (st.steps >= 0) {
         tkrange ahead{0, st.steps}, back{0, st.steps};
-        if (!interior) {
+        const auto& e = reach[i];
+        const bool inside = interior || (x + e[0] >= 1 && y + e[1] >= 1 && z + e[2] >= 1 && x + e[3] <= size[0] &&
+                                         y + e[4] <= size[1] && z + e[5] <= size[2]);
+        if (!inside) {
           const tscanpoint& d = dirs.points[i];
           ahead = insiderange(st, {x + d[0], y + d[1], z + d[2]}, 1, size);
           back = insiderange(st, {x - d[0], y - d[1], z - d[2]}, -1, size);

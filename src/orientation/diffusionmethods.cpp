@@ -97,8 +97,31 @@ tv brell2014b(const tdiffusionsettings& s, const tscandirectionset& d, const dou
 tv brellcone(const tdiffusionsettings& s, const tscandirectionset& d, const double* values, const uint8_t* accepted,
              tdiffusionscratch& w) {
   double best = noscan;
+  int64_t n = 0, count = 0;
+  size_t first = 0;  // the best direction, while it is the only one
+  for (size_t i = 0; i < d.points.size(); ++i) {
+    if (!accepted[i]) continue;
+    ++count;
+    const double v = values[i];
+    if (v < best) {
+      best = v;
+      first = i;
+      n = 1;
+    } else if (v == best && n >= 1) {
+      ++n;
+    }
+  }
+  if (count <= 2 || n == 0) return zero;
+  if (!(static_cast<double>(count) * s.max > static_cast<double>(n))) return zero;
+  // One best direction: the ranking starts with it, it lies in its own cone and no other
+  // is summed, so the sort can't change the result. (Cones of about 0 or pi excepted.)
+  if (n == 1 && s.angle >= 1e-6 && s.angle <= 3) {
+    const tv e = real(d.points[first]);
+    return s.method == 6 ? normalised(e) * best : e;
+  }
   tv mean = zero;
-  int64_t n = 0;
+  best = noscan;
+  n = 0;
   w.chosen.clear();
   w.ranking.clear();
   for (size_t i = 0; i < d.points.size(); ++i) {
@@ -115,13 +138,10 @@ tv brellcone(const tdiffusionsettings& s, const tscandirectionset& d, const doub
     w.ranking.emplace_back(static_cast<double>(w.chosen.size()), v);
     w.chosen.push_back(d.points[i]);
   }
-  const int64_t count = static_cast<int64_t>(w.ranking.size());
-  if (count <= 2 || n == 0) return zero;
   auto& r = w.ranking;
   heapsort(
       count, [&](int64_t a, int64_t b) { return r[a - 1].second < r[b - 1].second; },
       [&](int64_t a, int64_t b) { std::swap(r[a - 1], r[b - 1]); });
-  if (!(static_cast<double>(count) * s.max > static_cast<double>(n))) return zero;
   tv sum = zero;
   int64_t q = 1;
   for (;; ++q) {

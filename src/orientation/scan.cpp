@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numbers>
 
 #include "field/array_sort.h"
@@ -79,13 +80,17 @@ std::vector<tscanpoint> uniquescanpoints(const std::vector<trawscanpoint>& raw, 
   std::vector<tscanpoint> kept;
   const size_t n = raw.size();
   if (n == 1) kept.push_back(raw[0].point);
-  // The last entry is never kept: no later entry can vouch for it. Wanted as it is.
+  // The last index of each point: an entry stays when neither it nor its negative comes
+  // again later. The last entry never stays, since nothing later can vouch for it; wanted.
+  std::map<tscanpoint, size_t> last;
+  for (size_t a = 0; a < n; ++a) last[raw[a].point] = a;
+  const auto later = [&](const tscanpoint& p, size_t a) {
+    const auto it = last.find(p);
+    return it != last.end() && it->second > a;
+  };
   for (size_t a = 0; n > 1 && a + 1 < n; ++a) {
     const tscanpoint& p = raw[a].point;
-    const tscanpoint minus{-p[0], -p[1], -p[2]};
-    bool repeated = false;
-    for (size_t b = a + 1; b < n && !repeated; ++b) repeated = raw[b].point == p || raw[b].point == minus;
-    if (!repeated) kept.push_back(p);
+    if (!later(p, a) && !later({-p[0], -p[1], -p[2]}, a)) kept.push_back(p);
   }
   heapsort(
       static_cast<int64_t>(kept.size()), [&](int64_t a, int64_t b) { return kept[a - 1][axis] < kept[b - 1][axis]; },
@@ -170,15 +175,6 @@ void scanline(const tscalarfield& f, const tscanpoint& p1, const tscanpoint& p2,
 }
 
 // ---- statistics ------------------------------------------------------------------------
-
-double momentstatistic(int64_t count, int64_t sum, uint64_t squares, int submethod) {
-  if (submethod == 0) return static_cast<double>(sum);
-  if (submethod == 1) return count > 0 ? static_cast<double>(sum) / static_cast<double>(count) : 0;
-  if (count < 2) return 0;
-  // n * sum of squares - sum^2 is exact in integers: equal lines give equal bits.
-  const __int128 spread = static_cast<__int128>(count) * squares - static_cast<__int128>(sum) * sum;
-  return std::sqrt(static_cast<double>(spread) / (static_cast<double>(count) * static_cast<double>(count - 1)));
-}
 
 double linestatistic(const std::vector<int64_t>& values, int submethod) {
   const int64_t n = static_cast<int64_t>(values.size());

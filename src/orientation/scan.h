@@ -21,6 +21,7 @@
 //   at least the first). Smaller is always the better line.
 #pragma once
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -59,5 +60,23 @@ constexpr double noscan = 8.99e307;
 
 double linestatistic(const std::vector<int64_t>& values, int submethod);
 // The statistics 0, 1, 2 from the exact integer moments of a line; the list form gives the
-// same bits, since both go through here.
-double momentstatistic(int64_t count, int64_t sum, uint64_t squares, int submethod);
+// same bits, since both go through here. Inline: the scan calls it once per line.
+// The SD as sqrt(spread / pairs): n * sum of squares - sum^2 is exact in integers, so equal
+// lines give equal bits. pairs = n (n - 1); both 0 and 1 below two values.
+struct tspread {
+  double spread = 0, pairs = 1;
+};
+inline tspread momentspread(int64_t count, int64_t sum, uint64_t squares) {
+  if (count < 2) return {};
+  const double pairs = static_cast<double>(count) * static_cast<double>(count - 1);
+  if (count < (1 << 20) && squares < (uint64_t{1} << 42))  // the common case fits 64 bits
+    return {static_cast<double>(count * static_cast<int64_t>(squares) - sum * sum), pairs};
+  return {static_cast<double>(static_cast<__int128>(count) * squares - static_cast<__int128>(sum) * sum), pairs};
+}
+inline double momentstatistic(int64_t count, int64_t sum, uint64_t squares, int submethod) {
+  if (submethod == 0) return static_cast<double>(sum);
+  if (submethod == 1) return count > 0 ? static_cast<double>(sum) / static_cast<double>(count) : 0;
+  const tspread s = momentspread(count, sum, squares);
+  return std::sqrt(s.spread / s.pairs);
+}
+
