@@ -5,6 +5,7 @@
 #include "field/workspaces.h"
 #include "ops/slices.h"
 #include "orientation/diffusion.h"
+#include "orientation/diffusiondiagnostics.h"
 #include "script/registry.h"
 #include "script/values.h"
 
@@ -31,6 +32,30 @@ void imagediffusioncmd(tscript& s) {
   imagescan = textnat(param(s, 1));
   timagefield* target = resulttarget<imageworkspace>(s, true);
   if (target) imagediffusion(currentfield(imageworkspace), *target, imagescan, imageworkspace.defaultkind);
+}
+
+// The diagnostics of one voxel: a file name, then optional r (16), point and offset.
+using tdiagnostic = bool (*)(const tscalarfield&, int64_t, const tnatvector&, const utf16&);
+template <tdiagnostic run>
+void diagnosticcmd(tscript& s) {
+  const int64_t n = paramcount(s);
+  if (n < 1) return reportmin(s, 1);
+  if (n > 4) return reportmax(s, 4);
+  const int64_t r = n >= 2 ? textnat(param(s, 2)) : 16;
+  if (r < 1 || r > 65535) return println("Wrong scan size (" + nattext(r) + ")!");
+  const tscalarfield& f = currentfield(scalarworkspace);
+  run(f, r, diagnosticpoint(f, n >= 3 ? textvector(param(s, 3)) : tvector{}, n >= 4 ? textvector(param(s, 4)) : tvector{}),
+      param(s, 1));
+}
+
+// The chart forms: a file name, optional point and offset; the figures go to the log.
+template <void (*run)(const tscalarfield&, const tnatvector&)>
+void sweepcmd(tscript& s) {
+  const int64_t n = paramcount(s);
+  if (n < 1) return reportmin(s, 1);
+  if (n > 3) return reportmax(s, 3);
+  const tscalarfield& f = currentfield(scalarworkspace);
+  run(f, diagnosticpoint(f, n >= 2 ? textvector(param(s, 2)) : tvector{}, n >= 3 ? textvector(param(s, 3)) : tvector{}));
 }
 
 // The setters store what they are given, unchecked; numbers of methods keep their low byte.
@@ -83,6 +108,16 @@ const tcommand scalarrows[] = {
     {"diffusion.adaptive.x3", k1, diffusioncmd<3, true>, nullptr, "diffusion.adaptive.x3 16 // as x3, adaptive"},
     {"diffusion.adaptive.x4", k1, diffusioncmd<4, true>, nullptr, "diffusion.adaptive.x4 16 // as x4, adaptive"},
     {"diffusion.adaptive.x5", k1, diffusioncmd<5, true>, nullptr, "diffusion.adaptive.x5 16 // as x5, adaptive"},
+    {"diffusion.dump", k1, diagnosticcmd<diffusiondump>, nullptr,
+     "diffusion.dump \"scan.txt\" 16 <0, 0, 0> <0, 0, 0> // every scan line of one voxel as text (centre + offset)"},
+    {"diffusion.map", k1, diagnosticcmd<diffusionmap>, nullptr,
+     "diffusion.map \"map.pgm\" 16 <0, 0, 0> <-3, -3, -3> // 2 SD of each direction as an image of the sphere"},
+    {"diffusion.colormap", k1, diagnosticcmd<diffusioncolormap>, nullptr,
+     "diffusion.colormap \"map.ppm\" 16 // mean (red) and 2 SD (blue) of each direction, also as -mean. and -sd."},
+    {"diffusion.histogram", k1, sweepcmd<diffusionhistogram>, nullptr,
+     "diffusion.histogram \"chart.svg\" <0, 0, 0> // number of best directions for each scan size"},
+    {"diffusion.sd", k1, sweepcmd<diffusionsd>, nullptr,
+     "diffusion.sd \"chart.svg\" <0, 0, 0> // lowest and highest mean and SD of the line windows by size"},
 };
 
 const tcommand imagerows[] = {
