@@ -54,6 +54,7 @@ def make():
                   f"scalar.diffusion.angle {s.get('cone', 5 * math.pi / 180)!r}",
                   f"scalar.diffusion.max {s.get('mx', 0.25)!r}", f"scalar.{command} {r}",
                   f'vector.save "case{i}.nii"']
+    lines += ['scalar.load "ties.nii"', 'scalar.diffusion.dump "dump.txt" 3 <0, 0, 0> <1, 0, -2>']
     with open("run.macro", "w") as f:
         f.write("\n".join(lines) + "\n")
 
@@ -76,7 +77,26 @@ def check():
                 bad += 1
                 for p in list(zip(*np.nonzero(wrong)))[:3]:
                     print("   at", tuple(int(c) + 1 for c in p), "voxmill", got[p], "model", want[p])
+    bad += check_dump(vols["ties"], 3, (7, 6, 4))
     sys.exit(1 if bad else 0)
+
+
+def check_dump(vol, r, p):
+    """The dump walks the raw rows: each line's values as the model scans them."""
+    rows = [l for l in open("dump.txt").read().split("\n") if " u:" in l]
+    raw = dm.raw_points(r)
+    wrong = len(rows) != len(raw)
+    accepted = 0
+    for line, d in zip(rows, raw):
+        values = dm.scanline(vol, tuple(p[a] + d[a] for a in range(3)), tuple(p[a] - d[a] for a in range(3)))
+        fields = line.split()
+        got = [int(v) for v in fields[fields.index(next(f for f in fields if f.startswith("SD:"))) + 1:]] \
+            if "len:0" not in fields else []
+        index = str(accepted + 1) if len(values) >= r else "-"
+        accepted += len(values) >= r
+        wrong |= got != values or fields[0] != index
+    print(f"dump: {len(rows)} lines, {'differ' if wrong else 'agree'}")
+    return int(wrong)
 
 
 if __name__ == "__main__":
