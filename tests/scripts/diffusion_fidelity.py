@@ -26,6 +26,32 @@ def volumes():
     return {"ties": ties.astype(np.uint8), "tube": np.clip(tube, 0, 255).astype(np.uint8)}
 
 
+def image():
+    """A 17 x 15 plane with a bright diagonal band, noise and a background corner."""
+    rng = np.random.default_rng(4)
+    x, y = np.meshgrid(np.arange(17), np.arange(15), indexing="ij")
+    v = 120 + 60 * np.exp(-((x - y - 1) / 3.0) ** 2) + rng.normal(0, 6, x.shape)
+    return np.where(x + y > 4, np.clip(v, 1, 255), 0).astype(np.uint8)
+
+
+def check_image(method):
+    plane = image()
+    vol = plane[:, :, None]
+    dirs = dm.directions2d(4)
+    data = open(f"o{method}.pgm", "rb").read()
+    top = int(data.split()[3])  # the target takes the default kind: 8 or 16 bits
+    got = np.frombuffer(data[-plane.size * (2 if top > 255 else 1):], ">u2" if top > 255 else np.uint8)
+    got = got.reshape(plane.shape[1], plane.shape[0]).T
+    want = np.zeros(plane.shape, int)
+    for x in range(1, plane.shape[0] + 1):
+        for y in range(1, plane.shape[1] + 1):
+            if plane[x - 1, y - 1] >= 1:
+                want[x - 1, y - 1] = dm.pixellevel(dm.voxel(vol, (x, y, 1), 4, method=method, dirs=dirs), top)
+    differ = int((got != want).sum())
+    print(f"image method {method}: {np.count_nonzero(want)} oriented pixels, {differ} differ")
+    return int(differ > 0 or np.count_nonzero(want) == 0)
+
+
 def cases():
     """(volume, r, command, settings) in macro order; settings are the model's keywords."""
     out = []
@@ -55,6 +81,12 @@ def make():
                   f"scalar.diffusion.max {s.get('mx', 0.25)!r}", f"scalar.{command} {r}",
                   f'vector.save "case{i}.nii"']
     lines += ['scalar.load "ties.nii"', 'scalar.diffusion.dump "dump.txt" 3 <0, 0, 0> <1, 0, -2>']
+    plane = image()
+    with open("plane.pgm", "wb") as f:
+        f.write(b"P5 %d %d 255\n" % (plane.shape[0], plane.shape[1]) + plane.T.tobytes())
+    for m in (1, 5, 6):
+        lines += ['image.load "plane.pgm"', f"image.diffusion.method {m}", f"o{m} := image.diffusion 4",
+                  f"image.use o{m}", f'image.save "o{m}.pgm"']
     with open("run.macro", "w") as f:
         f.write("\n".join(lines) + "\n")
 
@@ -78,6 +110,7 @@ def check():
                 for p in list(zip(*np.nonzero(wrong)))[:3]:
                     print("   at", tuple(int(c) + 1 for c in p), "voxmill", got[p], "model", want[p])
     bad += check_dump(vols["ties"], 3, (7, 6, 4))
+    bad += sum(check_image(m) for m in (1, 5, 6))
     sys.exit(1 if bad else 0)
 
 

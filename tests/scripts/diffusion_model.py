@@ -66,6 +66,23 @@ def directions(r):
     return heapsort(kept, key=lambda p: p[2])
 
 
+def directions2d(r):
+    """The circle of the image form: the same removal of repeats, sorted by y; z = 0."""
+    R = np.longdouble(r)
+    raw = [(rnd(R * np.cos(np.longdouble(i + 1) / R)), rnd(R * np.sin(np.longdouble(i + 1) / R)), 0)
+           for i in range(rnd(np.longdouble(np.pi) * R))]
+    kept = raw if len(raw) == 1 else [p for a, p in enumerate(raw[:-1])
+                                      if not any(q == p or q == (-p[0], -p[1], 0) for q in raw[a + 1:])]
+    return heapsort(kept, key=lambda p: p[1])
+
+
+def pixellevel(result, top=255):
+    """The orientation of an image pixel as a gray level: its angle from (0, -1)."""
+    a, b = angle(result, (0, -1, 0)), angle(result, (1, 0, 0))
+    theta = a if b <= math.pi / 2 else 2 * math.pi - a
+    return min(max(rnd(top * (theta - math.pi / 2) / math.pi), 0), top)
+
+
 def value(vol, x, y, z):
     nx, ny, nz = vol.shape
     if 1 <= x <= nx and 1 <= y <= ny and 1 <= z <= nz:
