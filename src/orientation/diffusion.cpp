@@ -18,27 +18,18 @@ namespace {
 using tv = tscanunit;
 constexpr tv zero{0, 0, 0};
 
-// The scan of one worker over one volume: the direction list, each direction's walk and
-// the lists of one voxel, built once and reused for every voxel of its slice. The
-// statistic decides the sink: moments, extremes, or the sorted list of the quantiles.
-template <class T, class Sink>
-struct tscanner {
-  const T* v;
+// The lines of one scan over one volume, prepared once per command and read by all
+// workers: each direction's walk, its linear offset and how far its samples reach.
+struct tscanplan {
   int64_t size[3];
   int64_t nxy;
-  const tdiffusionsettings& s;
   tscandirectionset dirs;
   std::vector<tscanstep> steps;
-  std::vector<int64_t> linear;  // linear offset of each d
+  std::vector<int64_t> linear;                // linear offset of each d
   std::vector<std::array<int64_t, 6>> reach;  // per direction: lowest and highest move per axis of both walks
-  int64_t margin[3] = {0, 0, 0};  // closer to a border than this, a line may leave the field
-  std::vector<double> values;
-  std::vector<uint8_t> accepted;
-  tdiffusionscratch scratch;
-  std::vector<int64_t> list;
+  int64_t margin[3] = {0, 0, 0};              // closer to a border than this, a line may leave the field
 
-  tscanner(const T* voxels, const int64_t (&n)[3], const tdiffusionsettings& settings, tscandirectionset d)
-      : v(voxels), size{n[0], n[1], n[2]}, nxy(n[0] * n[1]), s(settings), dirs(std::move(d)) {
+  tscanplan(const int64_t (&n)[3], tscandirectionset d) : size{n[0], n[1], n[2]}, nxy(n[0] * n[1]), dirs(std::move(d)) {
     for (const tscanpoint& p : dirs.points) {
       steps.push_back(scanstep({-2 * p[0], -2 * p[1], -2 * p[2]}, size[0], nxy));
       linear.push_back(p[0] + p[1] * size[0] + p[2] * nxy);
@@ -47,8 +38,6 @@ struct tscanner {
       for (int a = 0; a < 3; ++a)
         if (p[a] != 0) margin[a] = std::max(margin[a], std::abs(p[a]) + 2);
     }
-    values.resize(dirs.points.size());
-    accepted.resize(dirs.points.size());
   }
 
   // Where the samples of both walks of a line through p = 0 can lie, per axis.
@@ -62,6 +51,23 @@ struct tscanner {
     }
     return e;
   }
+};
+
+// The scan of one worker: the plan and the lists of one voxel, reused for every voxel of
+// its slice. The statistic decides the sink: moments, extremes, or the sorted list of the
+// quantiles.
+template <class T, class Sink>
+struct tscanner {
+  const T* v;
+  const tscanplan& plan;
+  const tdiffusionsettings& s;
+  std::vector<double> values;
+  std::vector<uint8_t> accepted;
+  tdiffusionscratch scratch;
+  std::vector<int64_t> list;
+
+  tscanner(const T* voxels, const tscanplan& p, const tdiffusionsettings& settings)
+      : v(voxels), plan(p), s(settings), values(p.dirs.points.size()), accepted(p.dirs.points.size()) {}
 
   Sink fresh() {
     if constexpr (std::is_same_v<Sink, tlistsink>) {
@@ -74,24 +80,27 @@ struct tscanner {
 
   tv at(int64_t x, int64_t y, int64_t z) {
     const tscanpoint p{x, y, z};
+    const auto& size = plan.size;
+    const auto& margin = plan.margin;
+    const int64_t nxy = plan.nxy;
     bool interior = true;
     for (int a = 0; a < 3; ++a)
       if (p[a] - margin[a] < 1 || p[a] + margin[a] > size[a]) interior = false;
     const int64_t ip = (x - 1) + (y - 1) * size[0] + (z - 1) * nxy;
-    for (size_t i = 0; i < steps.size(); ++i) {
-      const tscanstep& st = steps[i];
+    for (size_t i = 0; i < plan.steps.size(); ++i) {
+      const tscanstep& st = plan.steps[i];
       Sink sink = fresh();
       if (st.steps >= 0) {
         tkrange ahead{0, st.steps}, back{0, st.steps};
-        const auto& e = reach[i];
+        const auto& e = plan.reach[i];
         const bool inside = interior || (x + e[0] >= 1 && y + e[1] >= 1 && z + e[2] >= 1 && x + e[3] <= size[0] &&
                                          y + e[4] <= size[1] && z + e[5] <= size[2]);
         if (!inside) {
-          const tscanpoint& d = dirs.points[i];
+          const tscanpoint& d = plan.dirs.points[i];
           ahead = insiderange(st, {x + d[0], y + d[1], z + d[2]}, 1, size);
           back = insiderange(st, {x - d[0], y - d[1], z - d[2]}, -1, size);
         }
-        walkline(v, st, ip + linear[i], ip - linear[i], ahead, back, sink);
+        walkline(v, st, ip + plan.linear[i], ip - plan.linear[i], ahead, back, sink);
       }
       if (sink.count < s.r) {
         if (s.fullscan) return zero;
@@ -101,7 +110,7 @@ struct tscanner {
       values[i] = sink.value(s.submethod);
       accepted[i] = 1;
     }
-    return diffusionresult(s, dirs, values.data(), accepted.data(), scratch);
+    return diffusionresult(s, plan.dirs, values.data(), accepted.data(), scratch);
   }
 };
 
@@ -250,6 +259,7 @@ bool scalardiffusion(const tscalarfield& f, tvectorfield& out, int64_t r, int64_
   }
   const int64_t size[3] = {n[0], n[1], n[2]};
   const int64_t slices = n[2] / k;
+  const tscanplan plan(size, scandirections(r));
   withvoxels(f, [&](const auto* v) {
     using T = std::remove_cvref_t<decltype(*v)>;
     withsink(s.submethod, [&](auto sinktype) {
@@ -261,7 +271,7 @@ bool scalardiffusion(const tscalarfield& f, tvectorfield& out, int64_t r, int64_
                     [](int64_t, int64_t, int64_t) { return zero; });
           return;
         }
-        tscanner<T, Sink> scan(v, size, s, scandirections(r));
+        tscanner<T, Sink> scan(v, plan, s);
         passslice(out, size, k, adaptive, j, [&](int64_t x, int64_t y, int64_t z) { return v[index(x, y, z)] >= 1; },
                   [&](int64_t x, int64_t y, int64_t z) { return scan.at(x, y, z); });
       }};
@@ -279,7 +289,8 @@ tscanunit diffusionvoxel(const tscalarfield& f, const tdiffusionsettings& s, int
     using T = std::remove_cvref_t<decltype(*v)>;
     if (!v) return;
     withsink(s.submethod, [&](auto sinktype) {
-      tscanner<T, decltype(sinktype)> scan(v, size, s, scandirections(s.r));
+      const tscanplan plan(size, scandirections(s.r));
+      tscanner<T, decltype(sinktype)> scan(v, plan, s);
       result = scan.at(x, y, z);
     });
   });
@@ -312,7 +323,8 @@ bool imagediffusion(const timagefield& f, timagefield& target, int64_t r, uint8_
   const auto pass = [&](const auto* v) {
     using T = std::remove_cvref_t<decltype(*v)>;
     withsink(s.submethod, [&](auto sinktype) {
-      tscanner<T, decltype(sinktype)> scan(v, size, s, scandirections2d(r));
+      const tscanplan plan(size, scandirections2d(r));
+      tscanner<T, decltype(sinktype)> scan(v, plan, s);
       progress("  Calculate orientation", 0);
       for (int64_t y = 1; y <= n[1]; ++y) {
         for (int64_t x = 1; x <= n[0]; ++x)
