@@ -281,22 +281,6 @@ bool scalardiffusion(const tscalarfield& f, tvectorfield& out, int64_t r, int64_
   return true;
 }
 
-tscanunit diffusionvoxel(const tscalarfield& f, const tdiffusionsettings& s, int64_t x, int64_t y, int64_t z) {
-  const tnatvector n = fieldsize(f);
-  const int64_t size[3] = {n[0], n[1], n[2]};
-  tv result = zero;
-  withvoxels(f, [&](const auto* v) {
-    using T = std::remove_cvref_t<decltype(*v)>;
-    if (!v) return;
-    withsink(s.submethod, [&](auto sinktype) {
-      const tscanplan plan(size, scandirections(s.r));
-      tscanner<T, decltype(sinktype)> scan(v, plan, s);
-      result = scan.at(x, y, z);
-    });
-  });
-  return result;
-}
-
 bool imagediffusion(const timagefield& f, timagefield& target, int64_t r, uint8_t newkind) {
   const tnatvector n = fieldsize(f);
   if (!scansize(r, n, 2)) return false;

@@ -25,6 +25,3 @@ bool scalardiffusion(const tscalarfield& f, tvectorfield& out, int64_t r, int64_
 // The orientation of each pixel as a gray level of its angle; an empty target takes the
 // source's size and place, a filled one is computed into as it is (with a warning).
 bool imagediffusion(const timagefield& f, timagefield& target, int64_t r, uint8_t newkind);
-
-// The result of one voxel at (x, y, z), as the volume pass computes it.
-tscanunit diffusionvoxel(const tscalarfield& f, const tdiffusionsettings& s, int64_t x, int64_t y, int64_t z);
