@@ -5,7 +5,8 @@
 
 voxmill: the time of scalar.diffusion r (method 5, the default) for r = 4, 8, 16 on thread.max
 1 and 2, as the difference of a run that loads and scans and one that only loads (best of
-two). Line samples are the gray values that enter the line statistics, counted by
+two), with the CPU seconds of the same runs beside it: the other processes of a busy machine
+change the first much more than the second. Line samples are the gray values that enter the line statistics, counted by
 build/bench/diffusion_count; voxels are all 128^3 (background costs one read each) and the
 object voxels apart. The peer is skimage.feature.structure_tensor (after a Gaussian of
 sigma 1, integration sigma 2), structure_tensor_eigenvalues and numpy.linalg.eigh for the
@@ -15,6 +16,7 @@ voxel's vector and its tube's axis (tests/scripts/fibre_phantom.py), mean and sh
 along z apart.
 """
 import os
+import resource
 import subprocess
 import sys
 import tempfile
@@ -31,18 +33,25 @@ N = 128
 
 
 def run(binary, folder, lines):
+    """Wall seconds and CPU seconds (user + system) of one run."""
     with open(os.path.join(folder, "bench.macro"), "w") as f:
         f.write("\n".join(["debug.no"] + lines) + "\n")
+    before = resource.getrusage(resource.RUSAGE_CHILDREN)
     start = time.perf_counter()
     subprocess.run([binary, "-strict", "-macro=bench.macro"], cwd=folder, stdout=subprocess.DEVNULL, check=True)
-    return time.perf_counter() - start
+    wall = time.perf_counter() - start
+    after = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return wall, (after.ru_utime - before.ru_utime) + (after.ru_stime - before.ru_stime)
 
 
 def scan_seconds(binary, folder, r, threads):
+    """Wall and CPU seconds of the scan alone: a run with it less one without, best of two."""
     setup = ["scalar.8bit", 'scalar.load "phantom.nii"', "thread.max := %d" % threads]
-    base = min(run(binary, folder, setup) for _ in range(2))
-    full = min(run(binary, folder, setup + ["scalar.diffusion %d" % r]) for _ in range(2))
-    return max(full - base, 1e-9)
+    base = [run(binary, folder, setup) for _ in range(2)]
+    full = [run(binary, folder, setup + ["scalar.diffusion %d" % r]) for _ in range(2)]
+    wall = min(f[0] for f in full) - min(b[0] for b in base)
+    cpu = min(f[1] for f in full) - min(b[1] for b in base)
+    return max(wall, 1e-9), max(cpu, 1e-9)
 
 
 def angles(errors):
@@ -61,18 +70,19 @@ def main():
     nib.Nifti1Image(vol, np.eye(4)).to_filename(os.path.join(folder, "phantom.nii"))
     objects = int((vol > 0).sum())
     print("phantom %d^3 uint8, %d object voxels; load on this machine: %s" % (N, objects, os.getloadavg()))
-    print("%3s %7s %9s %14s %12s %12s" % ("r", "threads", "seconds", "Msamples/s", "Mvoxel/s", "Mobject/s"))
+    print("%3s %7s %9s %14s %12s %12s %9s %18s" % ("r", "threads", "seconds", "Msamples/s", "Mvoxel/s", "Mobject/s",
+                                                 "CPU s", "Msamples/CPU s"))
     seconds8 = None
     for r in (4, 8, 16):
         out = subprocess.run([counter, os.path.join(folder, "phantom.nii"), str(r)], capture_output=True, text=True,
                              check=True).stdout
         samples = int(out.split("samples=")[1].split()[0])
         for threads in (1, 2):
-            s = scan_seconds(binary, folder, r, threads)
+            s, cpu = scan_seconds(binary, folder, r, threads)
             if r == 8:
                 seconds8 = s if seconds8 is None else min(seconds8, s)
-            print("%3d %7d %9.3f %14.1f %12.2f %12.3f" % (r, threads, s, samples / s / 1e6, N ** 3 / s / 1e6,
-                                                          objects / s / 1e6))
+            print("%3d %7d %9.3f %14.1f %12.2f %12.3f %9.3f %18.1f" % (
+                r, threads, s, samples / s / 1e6, N ** 3 / s / 1e6, objects / s / 1e6, cpu, samples / cpu / 1e6))
     start = time.perf_counter()
     axes, _ = fp.structure_tensor_axes(vol)
     peer = time.perf_counter() - start
