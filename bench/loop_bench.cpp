@@ -7,7 +7,7 @@
 #include <string>
 
 #include "commands/commandtable.h"
-#include "formats/gzip.h"
+#include "base/gzip.h"
 #include "script/run.h"
 #include "script/tscript.h"
 #include "shell/console.h"

@@ -35,11 +35,11 @@ void registerallcommands(tscript& s) {
     setprefix(s, family.prefix);
     for (const tcommand& c : family.rows) {
       switch (c.kind) {
-        case tcommandkind::k0: regproc0(s, c.name, c.handler); break;
-        case tcommandkind::k1: regproc(s, c.name, c.handler); break;
-        case tcommandkind::k2: regfunc(s, c.name, c.handler); break;
-        case tcommandkind::k3: regboth(s, c.name, c.handler, c.function); break;
-        case tcommandkind::k4: regvarfunc(s, c.name, c.handler); break;
+        case tcommandkind::plainprocedure: regproc0(s, c.name, c.handler); break;
+        case tcommandkind::procedure: regproc(s, c.name, c.handler); break;
+        case tcommandkind::function: regfunc(s, c.name, c.handler); break;
+        case tcommandkind::procedureandfunction: regboth(s, c.name, c.handler, c.function); break;
+        case tcommandkind::variablefunction: regvarfunc(s, c.name, c.handler); break;
       }
     }
   }

@@ -6,13 +6,15 @@
 
 #include "script/tscript.h"
 
-enum class tcommandkind { k0, k1, k2, k3, k4 };
+// How a name is registered: a procedure whose handler needs no script, a procedure, a
+// function (`a := name ...`), one name as both, or a variable function (read like a variable).
+enum class tcommandkind { plainprocedure, procedure, function, procedureandfunction, variablefunction };
 
 struct tcommand {
   const char* name;
   tcommandkind kind;
   thandler handler;
-  thandler function;  // the function handler of a K3 name; nullptr otherwise
+  thandler function;  // the function handler of a procedureandfunction name; nullptr otherwise
   const char* doc;    // the example macro's line: a usage and a comment behind "//"; "" for none
 };
 
@@ -28,8 +30,8 @@ void registerallcommands(tscript& s);
 // The example macro: header, one line per documented command, group closers.
 std::vector<std::string> examplemacro(const std::string& versiontext);
 
-// A K3 command whose procedure and function are the same handler: `new := op ...` and
+// A procedureandfunction command whose procedure and function are the same handler: `new := op ...` and
 // `op ...` alike.
 constexpr tcommand eitherway(const char* name, thandler handler, const char* doc) {
-  return {name, tcommandkind::k3, handler, handler, doc};
+  return {name, tcommandkind::procedureandfunction, handler, handler, doc};
 }

@@ -87,21 +87,21 @@ void dumpall(tscript& s) {
 using enum tcommandkind;
 
 constexpr tcommand rows[] = {
-    {"line", k1, dumpline, nullptr, "dump.line // dump all lines of the macro"},
-    {"used", k1, dumpused, nullptr, "dump.used // dump the commands that were used and how often"},
-    {"prog", k1, dumpprog, nullptr, "dump.prog // dump the procedures and functions of the script"},
-    {"func", k1, dumpfunc, nullptr, "dump.func // same as dump.prog"},
-    {"modulus", k1, dumpmodulus, nullptr, "dump.modulus // dump the module records"},
-    {"modul", k1, dumpmodulus, nullptr, "dump.modul // same as dump.modulus"},
-    {"var", k1, dumpvar, nullptr, "dump.var // dump all variables"},
-    {"var.scope", k1, dumpvarscope, nullptr, "dump.var.scope // dump the variables of the current block"},
-    {"vars.scope", k1, dumpvarscope, nullptr, "dump.vars.scope // same as dump.var.scope"},
-    {"with", k1, dumpwith, nullptr, "dump.with // dump the active with prefixes"},
-    {"output", k1, dumpoutput, nullptr, "dump.output // dump the open output files"},
-    {"stack", k1, dumpstack, nullptr, "dump.stack // dump the block stack"},
-    {"undo", k1, dumphistory, nullptr, "dump.undo // dump the command history"},
-    {"dump.redo", k1, dumphistory, nullptr, "dump.dump.redo // same as dump.undo"},
-    {"all", k1, dumpall, nullptr, "dump.all // all dumps"},
+    {"line", procedure, dumpline, nullptr, "dump.line // dump all lines of the macro"},
+    {"used", procedure, dumpused, nullptr, "dump.used // dump the commands that were used and how often"},
+    {"prog", procedure, dumpprog, nullptr, "dump.prog // dump the procedures and functions of the script"},
+    {"func", procedure, dumpfunc, nullptr, "dump.func // same as dump.prog"},
+    {"modulus", procedure, dumpmodulus, nullptr, "dump.modulus // dump the module records"},
+    {"modul", procedure, dumpmodulus, nullptr, "dump.modul // same as dump.modulus"},
+    {"var", procedure, dumpvar, nullptr, "dump.var // dump all variables"},
+    {"var.scope", procedure, dumpvarscope, nullptr, "dump.var.scope // dump the variables of the current block"},
+    {"vars.scope", procedure, dumpvarscope, nullptr, "dump.vars.scope // same as dump.var.scope"},
+    {"with", procedure, dumpwith, nullptr, "dump.with // dump the active with prefixes"},
+    {"output", procedure, dumpoutput, nullptr, "dump.output // dump the open output files"},
+    {"stack", procedure, dumpstack, nullptr, "dump.stack // dump the block stack"},
+    {"undo", procedure, dumphistory, nullptr, "dump.undo // dump the command history"},
+    {"dump.redo", procedure, dumphistory, nullptr, "dump.dump.redo // same as dump.undo"},
+    {"all", procedure, dumpall, nullptr, "dump.all // all dumps"},
 };
 
 }  // namespace

@@ -26,12 +26,12 @@ template <auto& W>
 std::span<const tcommand> workspacerows() {
   using enum tcommandkind;
   static const tcommand rows[] = {
-      {"use", k1, usecmd<W>, nullptr, "use name // select the field of this name, or create it empty"},
-      {"swap", k1, swapcmd<W>, nullptr, "swap name1 name2 // exchange two names, the fields stay"},
-      {"name", k1, namecmd<W>, nullptr, "name newname // rename the current field"},
-      {"dump", k1, dumpcmd<W>, nullptr, "dump // list all fields of this workspace"},
-      {"clear", k1, clearcmd<W>, nullptr, "clear // empty the current field; a field keeps its bit level"},
-      {"clean", k1, clearcmd<W>, nullptr, "clean // same as clear"},
+      {"use", procedure, usecmd<W>, nullptr, "use name // select the field of this name, or create it empty"},
+      {"swap", procedure, swapcmd<W>, nullptr, "swap name1 name2 // exchange two names, the fields stay"},
+      {"name", procedure, namecmd<W>, nullptr, "name newname // rename the current field"},
+      {"dump", procedure, dumpcmd<W>, nullptr, "dump // list all fields of this workspace"},
+      {"clear", procedure, clearcmd<W>, nullptr, "clear // empty the current field; a field keeps its bit level"},
+      {"clean", procedure, clearcmd<W>, nullptr, "clean // same as clear"},
   };
   return rows;
 }
@@ -41,24 +41,24 @@ template <auto& W>
 std::span<const tcommand> spatialrows() {
   using enum tcommandkind;
   static const tcommand rows[] = {
-      {"size", k4, sizefunc<W>, nullptr, "size // number of pixels or voxels along each axis"},
-      {"center", k3, centerproc<W>, centerfunc<W>,
+      {"size", variablefunction, sizefunc<W>, nullptr, "size // number of pixels or voxels along each axis"},
+      {"center", procedureandfunction, centerproc<W>, centerfunc<W>,
        "center // move the offset to the center rule; as a function: half the size"},
-      {"origin.center", k3, centerproc<W>, centerfunc<W>, "origin.center // same as center"},
-      {"offset.center", k3, centerproc<W>, centerfunc<W>, "offset.center // same as center"},
-      {"origin", k3, offsetproc<W>, offsetfunc<W>,
+      {"origin.center", procedureandfunction, centerproc<W>, centerfunc<W>, "origin.center // same as center"},
+      {"offset.center", procedureandfunction, centerproc<W>, centerfunc<W>, "offset.center // same as center"},
+      {"origin", procedureandfunction, offsetproc<W>, offsetfunc<W>,
        "origin <x, y, z> // global position of the first voxel, empty for <0, 0, 0>; as a function: get it"},
-      {"offset", k3, offsetproc<W>, offsetfunc<W>, "offset <x, y, z> // same as origin"},
-      {"scale", k3, scaleproc<W>, scalefunc<W>, "scale <x, y, z> // fill matrix with positive scaling"},
-      {"matrix", k3, matrixproc<W>, matrixfunc<W>,
+      {"offset", procedureandfunction, offsetproc<W>, offsetfunc<W>, "offset <x, y, z> // same as origin"},
+      {"scale", procedureandfunction, scaleproc<W>, scalefunc<W>, "scale <x, y, z> // fill matrix with positive scaling"},
+      {"matrix", procedureandfunction, matrixproc<W>, matrixfunc<W>,
        "matrix <v1> <v2> <v3> // global step of one voxel along x, y and z; as a function: (v1;v2;v3)"},
-      {"matrix.v1", k4, matrixrowfunc<W, 1>, nullptr, "matrix.v1 // first row of the matrix"},
-      {"matrix.v2", k4, matrixrowfunc<W, 2>, nullptr, "matrix.v2 // second row of the matrix"},
-      {"matrix.v3", k4, matrixrowfunc<W, 3>, nullptr, "matrix.v3 // third row of the matrix"},
-      {"unflip", k1, unflipcmd<W>, nullptr, "unflip // set matrix to positive values"},
-      {"unrotate", k1, unrotatecmd<W>, nullptr, "unrotate // set matrix to diagonal matrix"},
-      {"l2g", k2, l2gfunc<W>, nullptr, "l2g <x, y, z> // local (1..size) to global position"},
-      {"g2l", k2, g2lfunc<W>, nullptr, "g2l <x, y, z> // global to local position, rounded to the voxel"},
+      {"matrix.v1", variablefunction, matrixrowfunc<W, 1>, nullptr, "matrix.v1 // first row of the matrix"},
+      {"matrix.v2", variablefunction, matrixrowfunc<W, 2>, nullptr, "matrix.v2 // second row of the matrix"},
+      {"matrix.v3", variablefunction, matrixrowfunc<W, 3>, nullptr, "matrix.v3 // third row of the matrix"},
+      {"unflip", procedure, unflipcmd<W>, nullptr, "unflip // set matrix to positive values"},
+      {"unrotate", procedure, unrotatecmd<W>, nullptr, "unrotate // set matrix to diagonal matrix"},
+      {"l2g", function, l2gfunc<W>, nullptr, "l2g <x, y, z> // local (1..size) to global position"},
+      {"g2l", function, g2lfunc<W>, nullptr, "g2l <x, y, z> // global to local position, rounded to the voxel"},
   };
   return rows;
 }

@@ -7,10 +7,10 @@ namespace {
 
 using enum tcommandkind;
 const tcommand meshrows[] = {
-    {"new", k1, clearcmd<meshworkspace>, nullptr, "new // an empty mesh in place of the current one"},
+    {"new", procedure, clearcmd<meshworkspace>, nullptr, "new // an empty mesh in place of the current one"},
 };
 const tcommand linerows[] = {
-    {"new", k1, clearcmd<lineworkspace>, nullptr, "new // no lines in place of the current ones"},
+    {"new", procedure, clearcmd<lineworkspace>, nullptr, "new // no lines in place of the current ones"},
 };
 
 }  // namespace

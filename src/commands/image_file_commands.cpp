@@ -15,18 +15,10 @@
 
 namespace {
 
-// A name with wildcards stands for the first file it finds.
-utf16 filename(const utf16& given) {
-  if (poschar('*', given) == 0 && poschar('?', given) == 0) return given;
-  tfilelist list;
-  filelistnew(list, given);
-  return list.entries.empty() ? given : list.entries.front().name;
-}
-
 // The name of the one parameter; empty (and nothing to do) for a wrong count or no name.
 utf16 nameparam(tscript& s) {
   if (!checkparams(s, 1)) return utf16();
-  return filename(param(s, 1));
+  return firstmatch(param(s, 1));
 }
 
 void loadcmd(tscript& s) {
@@ -51,7 +43,7 @@ void forcedcmd(tscript& s) {
 
 void loadrawcmd(tscript& s) {
   if (!checkparams(s, 4)) return;
-  const utf16 name = filename(param(s, 1));
+  const utf16 name = firstmatch(param(s, 1));
   if (empty(name)) return;
   const int64_t header = textnat(param(s, 2)), w = textnat(param(s, 3)), h = textnat(param(s, 4));
   timagefield& f = currentfield(imageworkspace);
@@ -121,26 +113,26 @@ void librarycmd(tscript& s) {
 
 using enum tcommandkind;
 const tcommand filerows[] = {
-    {"load", k1, loadcmd, nullptr, "load \"name.ppm\" // read an image at the bit level set (FreeImage, ImageMagick, own code)"},
-    {"loadpnm", k1, forcedcmd<pnmread>, nullptr, "loadpnm \"name.pgm\" // read PBM, PGM, PPM or PAM by the own reader"},
-    {"loadbmp", k1, forcedcmd<bmpread>, nullptr, "loadbmp \"name.bmp\" // read a BMP by the own reader"},
-    {"loadimgf", k1, forcedcmd<imgfread>, nullptr, "loadimgf \"name.imgf\" // read a GE Signa image"},
-    {"loadrgb", k1, forcedcmd<rgbread>, nullptr, "loadrgb \"name.rgb\" // read the own RGB format"},
-    {"loadraw", k1, loadrawcmd, nullptr,
+    {"load", procedure, loadcmd, nullptr, "load \"name.ppm\" // read an image at the bit level set (FreeImage, ImageMagick, own code)"},
+    {"loadpnm", procedure, forcedcmd<pnmread>, nullptr, "loadpnm \"name.pgm\" // read PBM, PGM, PPM or PAM by the own reader"},
+    {"loadbmp", procedure, forcedcmd<bmpread>, nullptr, "loadbmp \"name.bmp\" // read a BMP by the own reader"},
+    {"loadimgf", procedure, forcedcmd<imgfread>, nullptr, "loadimgf \"name.imgf\" // read a GE Signa image"},
+    {"loadrgb", procedure, forcedcmd<rgbread>, nullptr, "loadrgb \"name.rgb\" // read the own RGB format"},
+    {"loadraw", procedure, loadrawcmd, nullptr,
      "loadraw \"name.raw\" header x y // headerless colour of 2, 3 or 4 bytes a pixel, told by the file size"},
-    {"save", k1, savecmd, nullptr, "save \"name.png\" // write by the extension: PNM, PAM, BMP, TGA, TIF, RGB, PNG"},
-    {"ifimage", k4, ifimagefunc, nullptr, "ifimage // true, if the image has a size bigger than 0x0"},
-    {"ifplain", k4, ifplainfunc, nullptr, "ifplain // true, if all pixels are equal"},
-    {"get", k2, getfunc, nullptr, "a := get x y // or <x, y>: the pixel's value, <r, g, b> or <r, g, b, a> for colour"},
-    {"value", k1, colourcmd<false>, nullptr, "value v // or <r, g, b> [alpha]: the value drawing writes"},
-    {"background", k1, colourcmd<true>, nullptr, "background v // or <r, g, b> [alpha]: the value outside the image"},
+    {"save", procedure, savecmd, nullptr, "save \"name.png\" // write by the extension: PNM, PAM, BMP, TGA, TIF, RGB, PNG"},
+    {"ifimage", variablefunction, ifimagefunc, nullptr, "ifimage // true, if the image has a size bigger than 0x0"},
+    {"ifplain", variablefunction, ifplainfunc, nullptr, "ifplain // true, if all pixels are equal"},
+    {"get", function, getfunc, nullptr, "a := get x y // or <x, y>: the pixel's value, <r, g, b> or <r, g, b, a> for colour"},
+    {"value", procedure, colourcmd<false>, nullptr, "value v // or <r, g, b> [alpha]: the value drawing writes"},
+    {"background", procedure, colourcmd<true>, nullptr, "background v // or <r, g, b> [alpha]: the value outside the image"},
 };
 
 const tcommand libraryrows[] = {
-    {"imagemagick.enable", k1, librarycmd<imagemagick, true>, nullptr, "imagemagick.enable // use ImageMagick where it is installed"},
-    {"imagemagick.disable", k1, librarycmd<imagemagick, false>, nullptr, "imagemagick.disable // do without ImageMagick"},
-    {"freeimage.enable", k1, librarycmd<freeimage, true>, nullptr, "freeimage.enable // use FreeImage where it is installed"},
-    {"freeimage.disable", k1, librarycmd<freeimage, false>, nullptr, "freeimage.disable // do without FreeImage"},
+    {"imagemagick.enable", procedure, librarycmd<imagemagick, true>, nullptr, "imagemagick.enable // use ImageMagick where it is installed"},
+    {"imagemagick.disable", procedure, librarycmd<imagemagick, false>, nullptr, "imagemagick.disable // do without ImageMagick"},
+    {"freeimage.enable", procedure, librarycmd<freeimage, true>, nullptr, "freeimage.enable // use FreeImage where it is installed"},
+    {"freeimage.disable", procedure, librarycmd<freeimage, false>, nullptr, "freeimage.disable // do without FreeImage"},
 };
 
 }  // namespace

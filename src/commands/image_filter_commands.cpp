@@ -33,14 +33,14 @@ void filtercmd(tscript& s) {
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    {"softsmooth", k1, smoothcmd<tsmoothkind::soft>, nullptr,
+    {"softsmooth", procedure, smoothcmd<tsmoothkind::soft>, nullptr,
      "softsmooth // or softsmooth n: 3x3 smoothing, midpoint is stronger"},
-    {"smooth", k1, smoothcmd<tsmoothkind::smooth>, nullptr, "smooth // or smooth n: 3x3 smoothing, all the same"},
-    {"hardsmooth", k1, smoothcmd<tsmoothkind::hard>, nullptr,
+    {"smooth", procedure, smoothcmd<tsmoothkind::smooth>, nullptr, "smooth // or smooth n: 3x3 smoothing, all the same"},
+    {"hardsmooth", procedure, smoothcmd<tsmoothkind::hard>, nullptr,
      "hardsmooth // or hardsmooth n: 3x3 smoothing, midpoint is weaker"},
-    {"unsharpmasking", k1, smoothcmd<tsmoothkind::unsharp>, nullptr,
+    {"unsharpmasking", procedure, smoothcmd<tsmoothkind::unsharp>, nullptr,
      "unsharpmasking // or unsharpmasking n: 3x3 sharpening, 2 * midpoint - mean"},
-    {"filter", k1, filtercmd, nullptr, "filter 0 1 0 1 4 1 0 1 0 8 // matrix [1..9] div [10]"},
+    {"filter", procedure, filtercmd, nullptr, "filter 0 1 0 1 4 1 0 1 0 8 // matrix [1..9] div [10]"},
 };
 
 }  // namespace

@@ -51,10 +51,10 @@ template <auto& W>
 std::span<const tcommand> levelrows() {
   using enum tcommandkind;
   static const tcommand rows[] = {
-      {"setadjust", k1, setadjustcmd<W>, nullptr,
+      {"setadjust", procedure, setadjustcmd<W>, nullptr,
        "setadjust // or setadjust <a, b> or setadjust <a, b> <c, d>: stretch the used levels (or a..b) to 0..max "
        "(or c..d); colour images: one table for red, green and blue"},
-      {"cleanup", k1, cleanupcmd<W>, nullptr, "cleanup // setadjust, smooth, unsharpmasking and unsharpmasking again"},
+      {"cleanup", procedure, cleanupcmd<W>, nullptr, "cleanup // setadjust, smooth, unsharpmasking and unsharpmasking again"},
   };
   return rows;
 }

@@ -22,19 +22,19 @@ void debugon(tscript& s) { s.debug = true; }
 void debugoff(tscript& s) { s.debug = false; }
 
 constexpr tcommand rows[] = {
-    {"debug", tcommandkind::k1, debugon, nullptr, "debug // echo each statement before it runs"},
-    {"debug.no", tcommandkind::k1, debugoff, nullptr, "debug.no // no echo of statements"},
-    {"write", tcommandkind::k1, writecmd, nullptr, "write \"text \" a // write the parameters without a line end"},
-    {"write.tab", tcommandkind::k1, writetab, nullptr, "write.tab a b c // write the parameters separated by tabs"},
-    {"writeln", tcommandkind::k1, writelncmd, nullptr, "writeln \"text \" a // write the parameters and a line end"},
-    {"print", tcommandkind::k1, writelncmd, nullptr, "print \"Hello world!\" // print the parameters and a line end"},
-    {"echo", tcommandkind::k1, writelncmd, nullptr, "echo \"text\" // same as print"},
-    {"print.red", tcommandkind::k1, colorprint<tcolor::red>, nullptr, "print.red \"text\" // print in red on a console"},
-    {"print.green", tcommandkind::k1, colorprint<tcolor::green>, nullptr, "print.green \"text\" // print in green on a console"},
-    {"print.blue", tcommandkind::k1, colorprint<tcolor::blue>, nullptr, "print.blue \"text\" // print in blue on a console"},
-    {"print.yellow", tcommandkind::k1, colorprint<tcolor::yellow>, nullptr, "print.yellow \"text\" // print in yellow on a console"},
-    {"print.cyan", tcommandkind::k1, colorprint<tcolor::cyan>, nullptr, "print.cyan \"text\" // print in cyan on a console"},
-    {"print.purple", tcommandkind::k1, colorprint<tcolor::purple>, nullptr, "print.purple \"text\" // print in purple on a console"},
+    {"debug", tcommandkind::procedure, debugon, nullptr, "debug // echo each statement before it runs"},
+    {"debug.no", tcommandkind::procedure, debugoff, nullptr, "debug.no // no echo of statements"},
+    {"write", tcommandkind::procedure, writecmd, nullptr, "write \"text \" a // write the parameters without a line end"},
+    {"write.tab", tcommandkind::procedure, writetab, nullptr, "write.tab a b c // write the parameters separated by tabs"},
+    {"writeln", tcommandkind::procedure, writelncmd, nullptr, "writeln \"text \" a // write the parameters and a line end"},
+    {"print", tcommandkind::procedure, writelncmd, nullptr, "print \"Hello world!\" // print the parameters and a line end"},
+    {"echo", tcommandkind::procedure, writelncmd, nullptr, "echo \"text\" // same as print"},
+    {"print.red", tcommandkind::procedure, colorprint<tcolor::red>, nullptr, "print.red \"text\" // print in red on a console"},
+    {"print.green", tcommandkind::procedure, colorprint<tcolor::green>, nullptr, "print.green \"text\" // print in green on a console"},
+    {"print.blue", tcommandkind::procedure, colorprint<tcolor::blue>, nullptr, "print.blue \"text\" // print in blue on a console"},
+    {"print.yellow", tcommandkind::procedure, colorprint<tcolor::yellow>, nullptr, "print.yellow \"text\" // print in yellow on a console"},
+    {"print.cyan", tcommandkind::procedure, colorprint<tcolor::cyan>, nullptr, "print.cyan \"text\" // print in cyan on a console"},
+    {"print.purple", tcommandkind::procedure, colorprint<tcolor::purple>, nullptr, "print.purple \"text\" // print in purple on a console"},
 };
 
 }  // namespace

@@ -14,19 +14,19 @@ constexpr thandler bitlevel = defaultkindcmd<scalarworkspace, kind>;
 
 using enum tcommandkind;
 const tcommand scalarrows[] = {
-    {"new", k1, newcmd<scalarworkspace>, nullptr, "new x y z // or <x, y, z> or empty - new field (1..x 1..y 1..z)"},
-    {"1bit", k1, bitlevel<scalarmono>, nullptr, "1bit // voxels of one bit: 0 and 1"},
-    {"bool", k1, bitlevel<scalarmono>, nullptr, "bool // same as 1bit"},
-    {"8bit", k1, bitlevel<scalargray>, nullptr,
+    {"new", procedure, newcmd<scalarworkspace>, nullptr, "new x y z // or <x, y, z> or empty - new field (1..x 1..y 1..z)"},
+    {"1bit", procedure, bitlevel<scalarmono>, nullptr, "1bit // voxels of one bit: 0 and 1"},
+    {"bool", procedure, bitlevel<scalarmono>, nullptr, "bool // same as 1bit"},
+    {"8bit", procedure, bitlevel<scalargray>, nullptr,
      "8bit // The bit level is relevant, if a new scalar is created (i.e. scalar.new, scalar.load or first time "
      "scalar.use)!"},
-    {"byte", k1, bitlevel<scalargray>, nullptr, "byte // same as 8bit: values 0..255"},
-    {"16bit", k1, bitlevel<scalarfullgray>, nullptr, "16bit // values 0..65535 (default)"},
-    {"word", k1, bitlevel<scalarfullgray>, nullptr, "word // same as 16bit"},
-    {"nat", k1, bitlevel<scalarfullgray>, nullptr, "nat // same as 16bit"},
+    {"byte", procedure, bitlevel<scalargray>, nullptr, "byte // same as 8bit: values 0..255"},
+    {"16bit", procedure, bitlevel<scalarfullgray>, nullptr, "16bit // values 0..65535 (default)"},
+    {"word", procedure, bitlevel<scalarfullgray>, nullptr, "word // same as 16bit"},
+    {"nat", procedure, bitlevel<scalarfullgray>, nullptr, "nat // same as 16bit"},
     // Only volumes move and rescale their offset.
-    {"offset.add", k1, offsetaddcmd<scalarworkspace>, nullptr, "offset.add <x, y, z> // move the offset"},
-    {"scale.mul", k1, scalemulcmd<scalarworkspace>, nullptr,
+    {"offset.add", procedure, offsetaddcmd<scalarworkspace>, nullptr, "offset.add <x, y, z> // move the offset"},
+    {"scale.mul", procedure, scalemulcmd<scalarworkspace>, nullptr,
      "scale.mul <x, y, z> // positive scaling, and the offset multiplied: the field stays in place"},
 };
 

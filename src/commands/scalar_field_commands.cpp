@@ -59,21 +59,21 @@ void endiancmd(tscript& s) {
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    {"value", k1, valuecmd, nullptr, "value v // the value that drawing writes"},
-    {"background", k1, backgroundcmd, nullptr, "background v // the value read outside the field"},
-    {"ifscalar", k4, ifscalar, nullptr, "ifscalar // true, if the field has a size bigger than 0x0x0"},
-    {"ifplain", k4, ifplain, nullptr, "ifplain // true, if all voxels have the same value"},
-    {"get", k2, getfunc, nullptr, "a := get x y z // or <x, y, z>: the voxel's value"},
-    {"labels.new", k1, labelsclear, nullptr, "labels.new // no labels"},
-    {"labels.clear", k1, labelsclear, nullptr, "labels.clear // same as labels.new"},
-    {"labels.clean", k1, labelsclear, nullptr, "labels.clean // same as labels.new"},
-    {"labels.length", k4, labelslength, nullptr, "labels.length // number of stored labels"},
-    {"label", k3, labelproc, labelfunc,
+    {"value", procedure, valuecmd, nullptr, "value v // the value that drawing writes"},
+    {"background", procedure, backgroundcmd, nullptr, "background v // the value read outside the field"},
+    {"ifscalar", variablefunction, ifscalar, nullptr, "ifscalar // true, if the field has a size bigger than 0x0x0"},
+    {"ifplain", variablefunction, ifplain, nullptr, "ifplain // true, if all voxels have the same value"},
+    {"get", function, getfunc, nullptr, "a := get x y z // or <x, y, z>: the voxel's value"},
+    {"labels.new", procedure, labelsclear, nullptr, "labels.new // no labels"},
+    {"labels.clear", procedure, labelsclear, nullptr, "labels.clear // same as labels.new"},
+    {"labels.clean", procedure, labelsclear, nullptr, "labels.clean // same as labels.new"},
+    {"labels.length", variablefunction, labelslength, nullptr, "labels.length // number of stored labels"},
+    {"label", procedureandfunction, labelproc, labelfunc,
      "label i \"name\" // name of value i; \"*\" means same as the previous label; as a function: get it"},
-    {"labels.dump", k1, labelsdump, nullptr, "labels.dump // list all labels"},
-    {"load.filter", k1, loadfilter, nullptr,
+    {"labels.dump", procedure, labelsdump, nullptr, "labels.dump // list all labels"},
+    {"load.filter", procedure, loadfilter, nullptr,
      "load.filter 12000 10 // scoped filter (integer) values (12000+value)*10 (Default 0 1)"},
-    {"setendian", k1, endiancmd, nullptr, "setendian // swap endianness $ABCD -> $CDAB"},
+    {"setendian", procedure, endiancmd, nullptr, "setendian // swap endianness $ABCD -> $CDAB"},
 };
 
 }  // namespace

@@ -51,21 +51,21 @@ void savelabelscmd(tscript& s) {
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    {"load", k1, loadcmd, nullptr, "load \"name\" // volume by extension (nii, nii.gz, hdr, img), else a stack of images (*.png)"},
-    {"load.hdr", k1, loadvolumecmd, nullptr, "load.hdr \"name\" // HDR (IMG)           : Analyze 7.5"},
-    {"loadhdr", k1, loadvolumecmd, nullptr, ""},
-    {"load.nii", k1, loadvolumecmd, nullptr, "load.nii \"name\" // NIfTI-1 in one file"},
-    {"loadnii", k1, loadvolumecmd, nullptr, ""},
-    {"load.nii.gz", k1, loadvolumecmd, nullptr, "load.nii.gz \"name\" // NIfTI-1, gzip compressed"},
-    {"loadnii.gz", k1, loadvolumecmd, nullptr, ""},
-    {"load.scale", k1, loadscalecmd, nullptr, "load.scale \"*.png\" <x, y, z> // stack of images with this voxel size"},
-    {"load.properties", k1, propertiescmd, nullptr, "load.properties \"name\" // only offset and matrix of the file"},
-    {"append", k1, appendcmd<false>, nullptr, "append \"name\" // merge a file into the field through global space"},
-    {"appendcenter", k1, appendcmd<true>, nullptr, "appendcenter \"name\" // the same, both centres on one another"},
-    {"save", k1, savecmd, nullptr, "save \"name\" // nii, nii.gz, hdr, or one image a slice (name_001.png)"},
-    {"info", k1, infocmd, nullptr, "info \"name\" \"out.txt\" // header as text, to the log or into a file"},
-    {"load.labels", k1, loadlabelscmd, nullptr, "load.labels \"name\" // maximal 0-999 labels"},
-    {"save.labels", k1, savelabelscmd, nullptr, "save.labels \"name\" // maximal 0-999 labels"},
+    {"load", procedure, loadcmd, nullptr, "load \"name\" // volume by extension (nii, nii.gz, hdr, img), else a stack of images (*.png)"},
+    {"load.hdr", procedure, loadvolumecmd, nullptr, "load.hdr \"name\" // HDR (IMG)           : Analyze 7.5"},
+    {"loadhdr", procedure, loadvolumecmd, nullptr, ""},
+    {"load.nii", procedure, loadvolumecmd, nullptr, "load.nii \"name\" // NIfTI-1 in one file"},
+    {"loadnii", procedure, loadvolumecmd, nullptr, ""},
+    {"load.nii.gz", procedure, loadvolumecmd, nullptr, "load.nii.gz \"name\" // NIfTI-1, gzip compressed"},
+    {"loadnii.gz", procedure, loadvolumecmd, nullptr, ""},
+    {"load.scale", procedure, loadscalecmd, nullptr, "load.scale \"*.png\" <x, y, z> // stack of images with this voxel size"},
+    {"load.properties", procedure, propertiescmd, nullptr, "load.properties \"name\" // only offset and matrix of the file"},
+    {"append", procedure, appendcmd<false>, nullptr, "append \"name\" // merge a file into the field through global space"},
+    {"appendcenter", procedure, appendcmd<true>, nullptr, "appendcenter \"name\" // the same, both centres on one another"},
+    {"save", procedure, savecmd, nullptr, "save \"name\" // nii, nii.gz, hdr, or one image a slice (name_001.png)"},
+    {"info", procedure, infocmd, nullptr, "info \"name\" \"out.txt\" // header as text, to the log or into a file"},
+    {"load.labels", procedure, loadlabelscmd, nullptr, "load.labels \"name\" // maximal 0-999 labels"},
+    {"save.labels", procedure, savelabelscmd, nullptr, "save.labels \"name\" // maximal 0-999 labels"},
 };
 
 }  // namespace

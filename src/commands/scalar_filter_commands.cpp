@@ -3,6 +3,7 @@
 #include <array>
 #include <limits>
 
+#include "commands/threads.h"
 #include "commands/scalar_rows.h"
 #include "field/workspaces.h"
 #include "ops/filter.h"
@@ -40,21 +41,21 @@ void mediancmd(tscript& s) {
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    {"softsmooth", k1, smoothcmd<tsmoothkind::soft>, nullptr, "softsmooth // 3x3x3 smoothing, midpoint is stronger"},
-    {"smooth", k1, smoothcmd<tsmoothkind::smooth>, nullptr, "smooth // 3x3x3 smoothing, all the same"},
-    {"smooth0", k1, smoothcmd<tsmoothkind::smooth0>, nullptr, "smooth0 // as smooth, do not smooth at zero"},
-    {"hardsmooth", k1, smoothcmd<tsmoothkind::hard>, nullptr, "hardsmooth // 3x3x3 smoothing, midpoint is weaker"},
-    {"unsharpmasking", k1, smoothcmd<tsmoothkind::unsharp>, nullptr,
+    {"softsmooth", procedure, smoothcmd<tsmoothkind::soft>, nullptr, "softsmooth // 3x3x3 smoothing, midpoint is stronger"},
+    {"smooth", procedure, smoothcmd<tsmoothkind::smooth>, nullptr, "smooth // 3x3x3 smoothing, all the same"},
+    {"smooth0", procedure, smoothcmd<tsmoothkind::smooth0>, nullptr, "smooth0 // as smooth, do not smooth at zero"},
+    {"hardsmooth", procedure, smoothcmd<tsmoothkind::hard>, nullptr, "hardsmooth // 3x3x3 smoothing, midpoint is weaker"},
+    {"unsharpmasking", procedure, smoothcmd<tsmoothkind::unsharp>, nullptr,
      "unsharpmasking // 3x3x3 sharpening: 2 * midpoint - mean"},
-    {"smooth.label", k1, labelcmd, nullptr,
+    {"smooth.label", procedure, labelcmd, nullptr,
      "smooth.label 10 // look for highest amount of value, ignore highest zeros from 27 to 10"},
-    {"filter", k1, filtercmd, nullptr,
+    {"filter", procedure, filtercmd, nullptr,
      "filter 0 0 0 0 1 0 0 0 0 0 1 0 1 1 1 0 1 0 0 0 0 0 1 0 0 0 0 7 // matrix [1..27] div [28]"},
-    {"filter.median.add", k1, mediancmd<tmediankind::add>, nullptr,
+    {"filter.median.add", procedure, mediancmd<tmediankind::add>, nullptr,
      "filter.median.add // median of the sums of the axis lines"},
-    {"filter.median.mean", k1, mediancmd<tmediankind::mean>, nullptr,
+    {"filter.median.mean", procedure, mediancmd<tmediankind::mean>, nullptr,
      "filter.median.mean // median of the means of the axis lines"},
-    {"filter.median.mul", k1, mediancmd<tmediankind::mul>, nullptr,
+    {"filter.median.mul", procedure, mediancmd<tmediankind::mul>, nullptr,
      "filter.median.mul // median of the products of the axis lines"},
 };
 

@@ -72,14 +72,14 @@ void fromlist(tscript& s) {
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    {"stack", k3, stackproc, stackfunc, "a := stack 1 2 + 3 * // numbers are pushed, words act: + - * / ² ³ ^ | % ° o x d sd var mean sum min max neg inv log sin cos tan arcsin arccos arctan mod /mod dup rot swap over drop, : as dup, § joins (1 2 § is <1, 2>); as function the top"},
-    {"stack.length", k4, depth, nullptr, "a := stack.length // number of values on the stack"},
-    {"stack.size", k4, depth, nullptr, "a := stack.size // same as stack.length"},
-    {"stack.clean", k1, clear, nullptr, "stack.clean // empty the stack"},
-    {"stack.clear", k1, clear, nullptr, "stack.clear // same as stack.clean"},
-    {"stack.flip", k1, flip, nullptr, "stack.flip // reverse the stack"},
-    {"stack.to.list", k1, tolist, nullptr, "stack.to.list // the current list gets the stack, bottom first"},
-    {"list.to.stack", k1, fromlist, nullptr, "list.to.stack // the stack gets the current list, first element at the bottom"},
+    {"stack", procedureandfunction, stackproc, stackfunc, "a := stack 1 2 + 3 * // numbers are pushed, words act: + - * / ² ³ ^ | % ° o x d sd var mean sum min max neg inv log sin cos tan arcsin arccos arctan mod /mod dup rot swap over drop, : as dup, § joins (1 2 § is <1, 2>); as function the top"},
+    {"stack.length", variablefunction, depth, nullptr, "a := stack.length // number of values on the stack"},
+    {"stack.size", variablefunction, depth, nullptr, "a := stack.size // same as stack.length"},
+    {"stack.clean", procedure, clear, nullptr, "stack.clean // empty the stack"},
+    {"stack.clear", procedure, clear, nullptr, "stack.clear // same as stack.clean"},
+    {"stack.flip", procedure, flip, nullptr, "stack.flip // reverse the stack"},
+    {"stack.to.list", procedure, tolist, nullptr, "stack.to.list // the current list gets the stack, bottom first"},
+    {"list.to.stack", procedure, fromlist, nullptr, "list.to.stack // the stack gets the current list, first element at the bottom"},
 };
 
 }  // namespace

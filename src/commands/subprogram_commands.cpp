@@ -34,7 +34,7 @@ void runmacro(tscript& s) {
 using enum tcommandkind;
 
 constexpr tcommand rows[] = {
-    {"run", k1, runmacro, nullptr, "run \"other.macro\" // run another macro with keywords and its own procedures only"},
+    {"run", procedure, runmacro, nullptr, "run \"other.macro\" // run another macro with keywords and its own procedures only"},
 };
 
 }  // namespace

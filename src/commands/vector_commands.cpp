@@ -13,24 +13,24 @@ constexpr thandler tensorkind = defaultkindcmd<tensorworkspace, kind>;
 
 using enum tcommandkind;
 const tcommand vectorrows[] = {
-    {"new", k1, newcmd<vectorworkspace>, nullptr, "new x y z // or <x, y, z> or empty - new field (1..x 1..y 1..z)"},
-    {"float", k1, vectorkind<vectorfloat>, nullptr, "float // vectors of 64-bit reals for new fields (default)"},
-    {"real", k1, vectorkind<vectorfloat>, nullptr, "real // same as float"},
-    {"integer", k1, vectorkind<vectorinteger>, nullptr, "integer // vectors of 64-bit integers for new fields"},
-    {"int32", k1, vectorkind<vectorinteger>, nullptr, "int32 // same as integer"},
-    {"int64", k1, vectorkind<vectorinteger>, nullptr, "int64 // same as integer"},
-    {"nat", k1, vectorkind<vectorinteger>, nullptr, "nat // same as integer"},
-    {"rgb", k1, vectorkind<vectorrgb>, nullptr, "rgb // vectors of three bytes 0..255 for new fields"},
-    {"24bit", k1, vectorkind<vectorrgb>, nullptr, "24bit // same as rgb"},
+    {"new", procedure, newcmd<vectorworkspace>, nullptr, "new x y z // or <x, y, z> or empty - new field (1..x 1..y 1..z)"},
+    {"float", procedure, vectorkind<vectorfloat>, nullptr, "float // vectors of 64-bit reals for new fields (default)"},
+    {"real", procedure, vectorkind<vectorfloat>, nullptr, "real // same as float"},
+    {"integer", procedure, vectorkind<vectorinteger>, nullptr, "integer // vectors of 64-bit integers for new fields"},
+    {"int32", procedure, vectorkind<vectorinteger>, nullptr, "int32 // same as integer"},
+    {"int64", procedure, vectorkind<vectorinteger>, nullptr, "int64 // same as integer"},
+    {"nat", procedure, vectorkind<vectorinteger>, nullptr, "nat // same as integer"},
+    {"rgb", procedure, vectorkind<vectorrgb>, nullptr, "rgb // vectors of three bytes 0..255 for new fields"},
+    {"24bit", procedure, vectorkind<vectorrgb>, nullptr, "24bit // same as rgb"},
 };
 
 const tcommand tensorrows[] = {
-    {"new", k1, newcmd<tensorworkspace>, nullptr, "new x y z // or <x, y, z> or empty - new field (1..x 1..y 1..z)"},
-    {"float", k1, tensorkind<vectorfloat>, nullptr, "float // tensors of 64-bit reals for new fields (default)"},
-    {"integer", k1, tensorkind<vectorinteger>, nullptr, "integer // tensors of 64-bit integers for new fields"},
-    {"int32", k1, tensorkind<vectorinteger>, nullptr, "int32 // same as integer"},
-    {"int64", k1, tensorkind<vectorinteger>, nullptr, "int64 // same as integer"},
-    {"nat", k1, tensorkind<vectorinteger>, nullptr, "nat // same as integer"},
+    {"new", procedure, newcmd<tensorworkspace>, nullptr, "new x y z // or <x, y, z> or empty - new field (1..x 1..y 1..z)"},
+    {"float", procedure, tensorkind<vectorfloat>, nullptr, "float // tensors of 64-bit reals for new fields (default)"},
+    {"integer", procedure, tensorkind<vectorinteger>, nullptr, "integer // tensors of 64-bit integers for new fields"},
+    {"int32", procedure, tensorkind<vectorinteger>, nullptr, "int32 // same as integer"},
+    {"int64", procedure, tensorkind<vectorinteger>, nullptr, "int64 // same as integer"},
+    {"nat", procedure, tensorkind<vectorinteger>, nullptr, "nat // same as integer"},
 };
 
 }  // namespace

@@ -15,10 +15,10 @@ void dumpallcmd(tscript& s) {
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    {"clear", k1, resetcmd, nullptr, ""},
-    {"clean", k1, resetcmd, nullptr, "clean // same as new"},
-    {"new", k1, resetcmd, nullptr, "new // clean memory - all scalar, vector, tensor, mesh and line"},
-    {"dump", k1, dumpallcmd, nullptr, "dump // dump // dump all scalar, vector, tensor, mesh and line workspace lists"},
+    {"clear", procedure, resetcmd, nullptr, ""},
+    {"clean", procedure, resetcmd, nullptr, "clean // same as new"},
+    {"new", procedure, resetcmd, nullptr, "new // clean memory - all scalar, vector, tensor, mesh and line"},
+    {"dump", procedure, dumpallcmd, nullptr, "dump // dump // dump all scalar, vector, tensor, mesh and line workspace lists"},
 };
 
 }  // namespace

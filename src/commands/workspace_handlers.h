@@ -3,9 +3,37 @@
 #pragma once
 #include <type_traits>
 
+#include "commands/threads.h"
 #include "field/workspace.h"
 #include "script/registry.h"
 #include "script/values.h"
+
+// The lookups that report a bad operand or target to the macro; the field model itself
+// knows no script.
+// The result of a command that reads the current field: writing into its own source
+// would destroy what it reads, so the current entry as target is a syntax error (nil).
+template <class F>
+F* workspacetargetstrict(tscript& s, tworkspacelist<F>& w, const utf16& name) {
+  ready(w);
+  const utf16 key = lookupkey(name);
+  if (workspaceentry(w, workspacefind(w, key)) == w.current) {
+    const utf16 field = w.words->field;
+    reportsyntax(s, "Same illegal assigment (" + field + "[" + key + "] := function " + field + "[" +
+                        w.names.getchecked(w.index) + "])!");
+    return nullptr;
+  }
+  return workspacetarget(w, key);
+}
+
+// A source operand: the entry of the name, or an error and nil.
+template <class F>
+F* workspaceoperand(tscript& s, tworkspacelist<F>& w, const utf16& name) {
+  ready(w);
+  const utf16 key = lookupkey(name);
+  F* f = workspaceentry(w, workspacefind(w, key));
+  if (!f) reporterror(s, "Empty " + utf16(w.words->field) + "[" + key + "]");
+  return f;
+}
 
 template <auto& W>
 using workspacefieldof = std::remove_pointer_t<decltype(W.current)>;

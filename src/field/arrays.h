@@ -1,6 +1,6 @@
 // The typed arrays of the field model. Every member is a tfieldmemory record with its
 // kind tag, its element type and its own fields behind; there are no virtual operations,
-// and each owner releases its arrays itself.
+// and each owner releases its arrays itself or holds them through field/owned.h.
 #pragma once
 #include "field/array_bits.h"
 #include "field/array_grids.h"

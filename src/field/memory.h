@@ -7,8 +7,9 @@
 // overwritten; such a block is never handed back to the heap.
 //
 // Static records hold exactly their count; dynamic ones keep a reserve (dynamic > 0)
-// that grows by a size-dependent ladder. Indices start at 1. Nothing runs a destructor:
-// each owner calls release itself, and a fresh record must be all zero (value-initialised).
+// that grows by a size-dependent ladder. Indices start at 1. A record runs no destructor (owners
+// copy it byte by byte): an owner calls release itself or holds the record through
+// field/owned.h, and a fresh record must be all zero (value-initialised).
 #pragma once
 #include <cstdint>
 #include <cstring>

@@ -38,7 +38,7 @@ struct tscalarfield {
   uint8_t submethod = 2;
   bool fullscan = false;
   bool fullscanlocal = false;
-  double diffusionangle = 5 * std::numbers::pi / 180;
+  double diffusionangle = degreestoradians(5);
   double diffusionmax = 0.25;
 };
 

@@ -2,17 +2,18 @@
 // work on. A macro never holds a field in a variable; it names entries here, and the
 // left side of "new := image.sub a b" is such a name. Names are stored in capitals, so
 // they are case-insensitive. Entries are only appended; they leave all at once by a
-// reset. The list owns its fields: each is one heap record, freed by the list.
+// reset. The list owns its fields: each is one heap record that the list's pointers free.
 //
 // One definition serves the six kinds. A kind brings its words and the routines
 // fieldcreate(field, kind), fieldrelease(field) and fielddescription(field); the grid
 // fields also show their size when they are selected and take part in the target rule.
 #pragma once
 #include <new>
+#include <vector>
 
 #include "field/arrays.h"
 #include "field/grid.h"
-#include "script/registry.h"
+#include "field/owned.h"
 #include "shell/console.h"
 
 struct tworkspacewords {
@@ -30,18 +31,31 @@ struct tworkspacelist {
   uint8_t defaultkind = 0;  // the kind that the next new field takes
   F* current = nullptr;     // the field handlers work on; never nil once created
   int64_t index = 0;        // its position, from 1
-  tpointerlist objects{};   // F*, parallel to names
+  std::vector<tfieldptr<F>> objects;  // parallel to names
   tnamelist names{};
+
+  constexpr explicit tworkspacelist(const tworkspacewords* w = nullptr, uint8_t kind = 0)
+      : words(w), startkind(kind), defaultkind(kind) {}
+  tworkspacelist(const tworkspacelist&) = delete;
+  tworkspacelist& operator=(const tworkspacelist&) = delete;
+  // The fields go with their pointers; the names are a guarded record, given back by hand.
+  ~tworkspacelist() { names.release(); }
 };
+
+template <class F>
+int64_t workspacecount(const tworkspacelist<F>& w) {
+  return static_cast<int64_t>(w.objects.size());
+}
 
 // Capitals in the low byte plane, the high plane as it is.
 utf16 workspacekey(const utf16& name);
 // The key of a target or operand name: an empty name means DEFAULT.
 utf16 lookupkey(const utf16& name);
 
+// The entry at position i (from 1); nil outside the list.
 template <class F>
 F* workspaceentry(const tworkspacelist<F>& w, int64_t i) {
-  return static_cast<F*>(w.objects.getchecked(i));
+  return i >= 1 && i <= workspacecount(w) ? w.objects[static_cast<size_t>(i - 1)].get() : nullptr;
 }
 
 // The first entry of the name, 0 when there is none.
@@ -54,24 +68,26 @@ int64_t workspacefind(const tworkspacelist<F>& w, const utf16& name) {
 // the record could be had.
 template <class F>
 int64_t workspaceappend(tworkspacelist<F>& w, const utf16& name) {
-  F* f = new (std::nothrow) F{};
+  tfieldptr<F> f(new (std::nothrow) F{});
   if (!f) return 0;
   fieldcreate(*f, w.defaultkind);
-  const int64_t i = w.objects.length + 1;
-  w.objects.add(f);
+  const int64_t i = workspacecount(w) + 1;
+  try {
+    w.objects.push_back(std::move(f));
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
   w.names.add(workspacekey(name));
-  if (w.objects.length == i && w.names.length == i) return i;
-  // A list that could not grow: the field goes again, the lists stay parallel.
-  if (w.objects.length == i) w.objects.resize(i - 1);
-  fieldrelease(*f);
-  delete f;
+  if (w.names.length == i) return i;
+  // A name list that could not grow: the field goes again, the lists stay parallel.
+  w.objects.pop_back();
   return 0;
 }
 
 // Fresh lists with one empty field of the default kind, DEFAULT, as the current entry.
 template <class F>
 void workspacecreate(tworkspacelist<F>& w) {
-  w.objects.createdynamic();
+  w.objects.clear();
   w.names.createdynamic();
   w.index = workspaceappend(w, "DEFAULT");
   w.current = workspaceentry(w, w.index);
@@ -80,13 +96,7 @@ void workspacecreate(tworkspacelist<F>& w) {
 template <class F>
 void workspacerelease(tworkspacelist<F>& w) {
   w.names.release();
-  for (int64_t i = 1; i <= w.objects.length; ++i) {
-    if (F* f = workspaceentry(w, i)) {
-      fieldrelease(*f);
-      delete f;
-    }
-  }
-  w.objects.release();
+  w.objects.clear();
   w.current = nullptr;
   w.index = 0;
 }
@@ -149,12 +159,12 @@ template <class F>
 void workspacedump(const tworkspacelist<F>& w) {
   const tworkspacewords& words = *w.words;
   println("***** dump." + utf16(words.dump) + " *****");
-  if (w.objects.length < 1) {
+  if (workspacecount(w) < 1) {
     println(words.empty);
   } else {
     if (w.index >= 1 && w.index <= w.names.length)
       println(words.inuse + nattext(w.index) + ") in use: " + w.names.get(w.index));
-    for (int64_t i = 1; i <= w.objects.length; ++i) {
+    for (int64_t i = 1; i <= workspacecount(w); ++i) {
       const F* f = workspaceentry(w, i);
       println("  (" + nattext(i) + "):" + (f ? fielddescription(*f) : utf16("nil")) + ":" + w.names.getchecked(i));
     }
@@ -171,31 +181,6 @@ F* workspacetarget(tworkspacelist<F>& w, const utf16& name) {
   int64_t i = workspacefind(w, key);
   if (i == 0) i = workspaceappend(w, key);
   return workspaceentry(w, i);
-}
-
-// The result of a command that reads the current field: writing into its own source
-// would destroy what it reads, so the current entry as target is a syntax error (nil).
-template <class F>
-F* workspacetargetstrict(tscript& s, tworkspacelist<F>& w, const utf16& name) {
-  ready(w);
-  const utf16 key = lookupkey(name);
-  if (workspaceentry(w, workspacefind(w, key)) == w.current) {
-    const utf16 field = w.words->field;
-    reportsyntax(s, "Same illegal assigment (" + field + "[" + key + "] := function " + field + "[" +
-                        w.names.getchecked(w.index) + "])!");
-    return nullptr;
-  }
-  return workspacetarget(w, key);
-}
-
-// A source operand: the entry of the name, or an error and nil.
-template <class F>
-F* workspaceoperand(tscript& s, tworkspacelist<F>& w, const utf16& name) {
-  ready(w);
-  const utf16 key = lookupkey(name);
-  F* f = workspaceentry(w, workspacefind(w, key));
-  if (!f) reporterror(s, "Empty " + utf16(w.words->field) + "[" + key + "]");
-  return f;
 }
 
 // How a result meets its target. An empty target is sized as the command chooses, keeps

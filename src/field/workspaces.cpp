@@ -11,14 +11,6 @@ constexpr tworkspacewords meshwords{"mesh", "mesh", "  Mesh (", "  Meshlist empt
 // The line workspace dumps under the word of its objects, clouds.
 constexpr tworkspacewords linewords{"line", "cloud", "  cloud (", "  Cloudlist empty!", "line"};
 
-template <class F>
-tworkspacelist<F> workspace(const tworkspacewords& words, uint8_t kind) {
-  tworkspacelist<F> w{};
-  w.words = &words;
-  w.startkind = w.defaultkind = kind;
-  return w;
-}
-
 // Calls op on each workspace, in the order of creation or the reverse.
 template <class Op>
 void eachworkspace(Op op, bool reverse = false) {
@@ -32,12 +24,12 @@ void eachworkspace(Op op, bool reverse = false) {
 }
 }  // namespace
 
-tworkspacelist<timagefield> imageworkspace = workspace<timagefield>(imagewords, imagefullgray);
-tworkspacelist<tscalarfield> scalarworkspace = workspace<tscalarfield>(scalarwords, scalarfullgray);
-tworkspacelist<tvectorfield> vectorworkspace = workspace<tvectorfield>(vectorwords, vectorfloat);
-tworkspacelist<ttensorfield> tensorworkspace = workspace<ttensorfield>(tensorwords, vectorfloat);
-tworkspacelist<tmesh> meshworkspace = workspace<tmesh>(meshwords, 0);
-tworkspacelist<tcloud> lineworkspace = workspace<tcloud>(linewords, 0);
+tworkspacelist<timagefield> imageworkspace(&imagewords, imagefullgray);
+tworkspacelist<tscalarfield> scalarworkspace(&scalarwords, scalarfullgray);
+tworkspacelist<tvectorfield> vectorworkspace(&vectorwords, vectorfloat);
+tworkspacelist<ttensorfield> tensorworkspace(&tensorwords, vectorfloat);
+tworkspacelist<tmesh> meshworkspace(&meshwords, 0);
+tworkspacelist<tcloud> lineworkspace(&linewords, 0);
 
 void createworkspaces() {
   eachworkspace([](auto& w) { workspacecreate(w); });

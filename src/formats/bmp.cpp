@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "formats/imagefile.h"
+#include "formats/imagecodec.h"
 #include "shell/console.h"
 
 namespace {

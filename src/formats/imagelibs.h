@@ -26,8 +26,17 @@ std::string imagelibrarystatus(const timagelibrary& l);
 // The enable and disable commands: a library that is not there stays off.
 void imagelibraryenable(timagelibrary& l, bool on);
 
+// Each library's own opening and end, behind imagelibrariesopen and imagelibrariesclose.
+void openfreeimage();
+void closefreeimage();
+void openmagick();
+void closemagick();
+
 // True when the library is enabled and did the work; false lets the next one try.
 bool freeimageload(timagefield& f, const utf16& name);
 bool freeimagesave(timagefield& f, const utf16& name);
 bool magickload(timagefield& f, const utf16& name);
 bool magicksave(timagefield& f, const utf16& name);
+
+// The formats the libraries add, as the help lists them behind the own ones.
+inline constexpr const char* imagelibrarynote = "TGA, TIF, PNG, JPG, GIF through FreeImage or ImageMagick";

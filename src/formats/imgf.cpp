@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "formats/imagefile.h"
+#include "formats/imagecodec.h"
 #include "shell/console.h"
 
 bool imgfread(timagefield& f, const utf16& name) {

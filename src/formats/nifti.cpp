@@ -10,7 +10,8 @@
 #include <cstring>
 #include <vector>
 
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
+#include "field/owned.h"
 #include "formats/niftiraw.h"
 #include "script/values.h"
 #include "shell/console.h"
@@ -145,7 +146,8 @@ bool sinkpackwhole(tsink& s) {
 #ifdef VOXMILL_LIBDEFLATE
   libdeflate_compressor* c = libdeflate_alloc_compressor(packlevel);
   if (!c) return false;
-  tbytelist packed{};
+  tlocalarray<tbytelist> result;
+  tbytelist& packed = *result;
   const size_t bound = libdeflate_gzip_compress_bound(c, static_cast<size_t>(s.gathered));
   packed.create(static_cast<int64_t>(bound));
   size_t made = 0;
@@ -157,7 +159,6 @@ bool sinkpackwhole(tsink& s) {
     s.ok = writeblock(s.file, packed.data + done, step);
     done += step;
   }
-  packed.release();
   return made > 0;
 #else
   return false;
@@ -261,10 +262,10 @@ bool niftiload(tscalarfield& f, uint8_t kind, const utf16& name, int64_t stack, 
   const utf16 unreadable = "  Couldn't read File (" + name + ")! Create empty field.";
   if (!fileexists(names.header)) return failed(f, kind, unreadable);
   tvoxelsource src{};
-  tbytelist buffer{};
+  tlocalarray<tbytelist> headerbuffer;
+  tbytelist& buffer = *headerbuffer;
   const auto finish = [&](bool result) {
     sourceclose(src);
-    buffer.release();
     return result;
   };
   if (!sourceopen(src, names.header)) return finish(failed(f, kind, unreadable));

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "formats/imagefile.h"
+#include "formats/imagecodec.h"
 #include "shell/console.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <vector>
 
-#include "formats/imagefile.h"
+#include "formats/imagecodec.h"
 #include "shell/console.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "formats/raw.h"
 
-#include "formats/imagefile.h"
+#include "formats/imagecodec.h"
 #include "formats/rgb.h"
 
 bool rawread(timagefield& f, const utf16& name, int64_t header, int64_t w, int64_t h) {

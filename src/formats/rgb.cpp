@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "formats/imagefile.h"
+#include "formats/imagecodec.h"
 
 bool rgbpixels(timagefield& f, const tfilebuffer& b, int64_t at, int64_t w, int64_t h, const char* badsize) {
   const int64_t n = b.size - at;

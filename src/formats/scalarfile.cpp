@@ -2,7 +2,8 @@
 
 #include <string>
 
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
+#include "field/owned.h"
 #include "formats/nifti.h"
 #include "formats/niftiraw.h"
 #include "formats/stackfile.h"
@@ -12,25 +13,6 @@
 #include "shell/files.h"
 
 namespace {
-
-bool oneof(const utf16& ext, std::initializer_list<const char*> words) {
-  for (const char* w : words)
-    if (equalutf8(ext, w)) return true;
-  return false;
-}
-
-bool volumeextension(const utf16& ext) { return oneof(ext, {"nii", "hdr", "img", "nii.gz", "hdr.gz", "img.gz"}); }
-
-// The formats of the other volume readers, which this build doesn't have.
-bool otherextension(const utf16& ext) { return oneof(ext, {"mdf", "mif", "mifx", "pcr", "am", "vtk", "vgl"}); }
-
-// A volume name with wildcards stands for the first file it finds.
-utf16 firstmatch(const utf16& name) {
-  if (poschar('*', name) == 0 && poschar('?', name) == 0) return name;
-  tfilelist files{};
-  filelistnew(files, name);
-  return files.entries.empty() ? name : files.entries.front().name;
-}
 
 // A reader makes the field anew; the load filter belongs to the field and stays.
 template <class Load>
@@ -67,7 +49,29 @@ std::vector<std::string> textlines(const std::string& text) {
   return lines;
 }
 
+// The formats of the other volume readers, which this build doesn't have.
+bool notprovided(tscalarfield& f, uint8_t kind, const utf16& name) {
+  println("  Couldn't read File (" + name + ")! Create empty field.");
+  return keepfilter(f, [&] { fieldcreate(f, kind); return false; });
+}
+
+bool stackread(tscalarfield& f, uint8_t kind, const utf16& name) { return scalarloadscale(f, kind, name, {0, 0, 0}); }
+
+constexpr tfieldkind scalar = tfieldkind::scalar;
+
+// Any name that no row with extensions takes is a stack of images, one a slice.
+constexpr tscalarformat formats[] = {
+    {"nii hdr img nii.gz hdr.gz img.gz", scalar, scalarloadnifti, nullptr, nullptr, "HDR, NII, gz NII", nullptr},
+    {"hdr nii nii.gz", scalar, nullptr, niftisave, nullptr, nullptr, "HDR, NII, gz NII"},
+    {"mdf mif mifx pcr am vtk vgl", scalar, notprovided, nullptr, nullptr, nullptr, nullptr},
+    {"", scalar, stackread, stacksave, nullptr, "image stacks with *", "PNM, BMP, TGA, TIF, PNG"},
+};
+
 }  // namespace
+
+std::span<const tscalarformat> scalarformats() { return formats; }
+std::string scalarinputnote() { return formatnotes(scalarformats(), false); }
+std::string scalaroutputnote() { return formatnotes(scalarformats(), true); }
 
 bool scalarloadnifti(tscalarfield& f, uint8_t kind, const utf16& name) {
   const utf16 file = firstmatch(name);
@@ -79,13 +83,8 @@ bool scalarloadnifti(tscalarfield& f, uint8_t kind, const utf16& name) {
 
 bool scalarload(tscalarfield& f, uint8_t kind, const utf16& name) {
   if (empty(name)) return false;
-  const utf16 ext = lower(fileextension(name));
-  if (volumeextension(ext)) return scalarloadnifti(f, kind, name);
-  if (otherextension(ext)) {
-    println("  Couldn't read File (" + name + ")! Create empty field.");
-    return keepfilter(f, [&] { fieldcreate(f, kind); return false; });
-  }
-  return scalarloadscale(f, kind, name, {0, 0, 0});
+  const tscalarformat* r = formatrow(scalarformats(), lower(fileextension(name)), false);
+  return r && r->read(f, kind, name);
 }
 
 bool scalarloadscale(tscalarfield& f, uint8_t kind, const utf16& name, const tvector& scale) {
@@ -108,7 +107,8 @@ bool scalarloadproperties(tscalarfield& f, const utf16& name) {
 
 void scalarappend(tscalarfield& f, const utf16& name, bool center) {
   if (empty(name)) return;
-  tscalarfield source{};
+  tlocalfield<tscalarfield> loaded;
+  tscalarfield& source = *loaded;
   setloadfilter(source, f.filteradd, f.filtermul);
   scalarload(source, f.kind ? f.kind : uint8_t{scalarfullgray}, name);
   if (!fieldempty(source)) {
@@ -129,13 +129,12 @@ void scalarappend(tscalarfield& f, const utf16& name, bool center) {
     }
     progressend();
   }
-  fieldrelease(source);
 }
 
 bool scalarsave(const tscalarfield& f, const utf16& name) {
   if (empty(name)) return false;
-  const utf16 ext = lower(fileextension(name));
-  const bool ok = oneof(ext, {"hdr", "nii", "nii.gz"}) ? niftisave(f, name) : stacksave(f, name);
+  const tscalarformat* r = formatrow(scalarformats(), lower(fileextension(name)), true, f.kind);
+  const bool ok = r && r->write(f, name);
   if (ok && labelcount(f) > 0) labelsave(f, filestem(name) + ".labels");
   return ok;
 }

@@ -1,7 +1,18 @@
 // Scalar fields and their files: which reader or writer a name gets, and what follows a
 // load (the atlas labels) or a save (the label file).
 #pragma once
+#include <span>
+#include <string>
+
 #include "field/scalarfield.h"
+#include "formats/formattable.h"
+
+using tscalarformat = tformatrow<bool (*)(tscalarfield&, uint8_t, const utf16&), bool (*)(const tscalarfield&, const utf16&)>;
+
+// The volume readers and writers, one row a format, and the help's notes made from them.
+std::span<const tscalarformat> scalarformats();
+std::string scalarinputnote();
+std::string scalaroutputnote();
 
 // Volume by the lower-cased extension, else an image stack. The field is made anew in kind
 // and keeps its load filter. After a volume load the atlas beside the file is read.

@@ -3,7 +3,8 @@
 #include <cmath>
 
 #include "field/imagefield.h"
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
+#include "field/owned.h"
 #include "formats/imagefile.h"
 #include "library/filelist.h"
 #include "shell/console.h"
@@ -69,7 +70,8 @@ bool stackload(tscalarfield& f, uint8_t kind, const utf16& pattern, const tvecto
   const uint8_t imagekind = kind == scalarfullgray ? imagefullgray : imagegray;
   tvector stackscale{1, 1, 1};
   for (int64_t z = 1; z <= n; ++z) {
-    timagefield img{};
+    tlocalfield<timagefield> slice;
+    timagefield& img = *slice;
     fieldcreate(img, imagekind);
     imageload(img, files.entries[static_cast<size_t>(z - 1)].name, imagekind);
     if (z == 1) {
@@ -83,7 +85,6 @@ bool stackload(tscalarfield& f, uint8_t kind, const utf16& pattern, const tvecto
       stackscale = axisscales(f.space);
     }
     if (!fieldempty(img) && !fieldempty(f)) putslice(f, img, z, stackscale);
-    fieldrelease(img);
   }
   f.title = pattern;
   return !fieldempty(f);
@@ -95,14 +96,14 @@ bool stacksave(const tscalarfield& f, const utf16& name) {
   const uint8_t imagekind = f.kind == scalarfullgray ? imagefullgray : imagegray;
   bool ok = true;
   for (int64_t z = 1; z <= size[2]; ++z) {
-    timagefield img{};
+    tlocalfield<timagefield> slice;
+    timagefield& img = *slice;
     fieldcreate(img, imagekind, {size[0], size[1], 1});
     setmatrix(img.space, f.space.matrix);
     setoffset(img.space, localtoglobal(f.space, {1, 1, static_cast<double>(z)}));
     for (int64_t y = 1; y <= size[1]; ++y)
       for (int64_t x = 1; x <= size[0]; ++x) setvalue(img, x, y, static_cast<double>(getvalue(f, x, y, z)));
     ok = imagesave(img, slicename(name, z, size[2])) && ok;
-    fieldrelease(img);
   }
   return ok;
 }

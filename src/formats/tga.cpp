@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "formats/imagefile.h"
+#include "formats/imagecodec.h"
 
 bool tgawrite(timagefield& f, const utf16& name) {
   const int64_t w = imagesizex(f), h = imagesizey(f);

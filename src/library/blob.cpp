@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
 
 std::string textbytes(const utf16& text) {
   std::string out;

@@ -4,7 +4,7 @@
 #include <string>
 #include <unordered_set>
 
-#include "formats/linefile.h"
+#include "base/linefile.h"
 #include "library/filenames.h"
 
 tfilelist scriptfiles;
@@ -89,4 +89,11 @@ void filelistflip(tfilelist& l) { std::reverse(l.entries.begin(), l.entries.end(
 
 void filelistreplace(tfilelist& l, const utf16& search, const utf16& by) {
   for (tfileentry& e : l.entries) e.name = replace(e.name, search, by);
+}
+
+utf16 firstmatch(const utf16& name) {
+  if (poschar('*', name) == 0 && poschar('?', name) == 0) return name;
+  tfilelist files{};
+  filelistnew(files, name);
+  return files.entries.empty() ? name : files.entries.front().name;
 }

@@ -27,6 +27,8 @@ void filelistclear(tfilelist& l);
 // The list made anew from the pattern, the cursor at the first entry. A directory that
 // can't be read leaves the list as it was.
 void filelistnew(tfilelist& l, const utf16& pattern, bool recursive = false);
+// A name with wildcards stands for the first file it finds; any other name for itself.
+utf16 firstmatch(const utf16& name);
 // Appends what the pattern finds; a name already in the list (by lower-case comparison)
 // isn't added twice.
 void filelistadd(tfilelist& l, const utf16& pattern, bool recursive = false);

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
 
 namespace {
 int64_t lastslash(const utf16& name) { return lastpos("/", name); }

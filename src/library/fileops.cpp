@@ -7,7 +7,7 @@
 #include <ctime>
 #include <string>
 
-#include "formats/gzip.h"
+#include "base/gzip.h"
 #include "library/filenames.h"
 #include "library/pattern.h"
 #include "shell/console.h"

@@ -6,7 +6,8 @@
 #include <type_traits>
 #include <vector>
 
-#include "formats/linefile.h"
+#include "base/linefile.h"
+#include "field/owned.h"
 #include "script/values.h"
 #include "shell/console.h"
 #include "shell/files.h"
@@ -16,13 +17,6 @@ namespace {
 constexpr tworkspacewords listwords{"list", "list", "  List (", "  Listlist empty!", "list"};
 constexpr const char* kindnames[] = {"nat", "real", "complex", "vector", "hyper", "chars"};
 
-tworkspacelist<tlist> makelistworkspace() {
-  tworkspacelist<tlist> w{};
-  w.words = &listwords;
-  w.startkind = list_real;
-  w.defaultkind = list_real;
-  return w;
-}
 
 // What a list needs of its element type: reading it from text, printing it, and its
 // four-component form, in which the stack holds values and the statistics see them.
@@ -171,9 +165,9 @@ utf16 extreme(const tlist& l) {
         } else {
           typename A::elementtype v{};
           for (size_t c = 0; c < componentsof<A>; ++c) {
-            treallist r = componentlist(a, c);
-            v[c] = largest ? r.max() : r.min();
-            r.release();
+            tlocalarray<treallist> r;
+            *r = componentlist(a, c);
+            v[c] = largest ? r->max() : r->min();
           }
           return E::text(v);
         }
@@ -183,7 +177,7 @@ utf16 extreme(const tlist& l) {
 
 }  // namespace
 
-tworkspacelist<tlist> listworkspace = makelistworkspace();
+tworkspacelist<tlist> listworkspace(&listwords, list_real);
 double outlierfactor = 1.5;
 
 void fieldcreate(tlist& l, uint8_t kind) {
@@ -357,10 +351,10 @@ void listsmooth(tlist& l, int64_t passes) {
           for (int64_t p = 0; p < passes; ++p) a.smooth121();
         } else if constexpr (!ischars<A>) {
           for (size_t c = 0; c < componentsof<A>; ++c) {
-            treallist r = componentlist(a, c);
-            for (int64_t p = 0; p < passes; ++p) r.smooth121();
-            putcomponent(a, c, r);
-            r.release();
+            tlocalarray<treallist> r;
+            *r = componentlist(a, c);
+            for (int64_t p = 0; p < passes; ++p) r->smooth121();
+            putcomponent(a, c, *r);
           }
         }
       },
@@ -372,16 +366,17 @@ void listoutliers(const tlist& l, const tlist& baseline, tlist& flags) {
   std::visit(
       [&](const auto& a) {
         for (size_t c = 0; c < 4; ++c) {
-          treallist r = componentlist(a, c);
-          const tvector q = r.quartiles();
+          tlocalarray<treallist> r;
+          *r = componentlist(a, c);
+          const tvector q = r->quartiles();
           const double band = outlierfactor * std::fabs(q[2] - q[0]);
           low[c] = q[1] - band;
           high[c] = q[1] + band;
-          r.release();
         }
       },
       baseline.items);
-  tintlist marks{};
+  tlocalarray<tintlist> marked;
+  tintlist& marks = *marked;
   marks.create(listlength(l));
   std::visit(
       [&](const auto& a) {
@@ -395,5 +390,4 @@ void listoutliers(const tlist& l, const tlist& baseline, tlist& flags) {
       l.items);
   fieldcreate(flags, list_nat);
   std::get<tintlist>(flags.items).copyfrom(marks);
-  marks.release();
 }

@@ -5,6 +5,8 @@
 #include <numbers>
 #include <vector>
 
+#include "field/owned.h"
+
 namespace {
 
 tquadlist stack{};
@@ -23,8 +25,6 @@ double quotient(double a, double b) { return b == 0 ? 0 : a / b; }
 double modulo(double a, double b) { return b == 0 ? 0 : std::fmod(a, b); }
 double wholequotient(double a, double b) { return b == 0 ? 0 : std::trunc(a / b); }
 
-double radians(double x) { return numbersettings.degree ? x * std::numbers::pi / 180 : x; }
-double angle(double r) { return numbersettings.degree ? r * 180 / std::numbers::pi : r; }
 
 double plus(double a, double b) { return a + b; }
 double minus(double a, double b) { return a - b; }
@@ -33,16 +33,16 @@ double power(double a, double b) { return std::pow(a, b); }
 double square(double x) { return std::pow(x, 2.0); }
 double cube(double x) { return std::pow(x, 3.0); }
 double percent(double x) { return x * 0.01; }
-double degrees(double x) { return x * (std::numbers::pi / 180); }
+double degrees(double x) { return x * degreeunit; }
 double negative(double x) { return -x; }
 double reciprocal(double x) { return quotient(1, x); }
 double logarithm(double x) { return x > 0 ? std::log(x) : 0; }
-double sine(double x) { return std::sin(radians(x)); }
-double cosine(double x) { return std::cos(radians(x)); }
-double tangent(double x) { return std::tan(radians(x)); }
-double arcsine(double x) { return angle(std::asin(std::clamp(x, -1.0, 1.0))); }
-double arccosine(double x) { return angle(std::acos(std::clamp(x, -1.0, 1.0))); }
-double arctangent(double x) { return angle(std::atan(x)); }
+double sine(double x) { return std::sin(anglein(x)); }
+double cosine(double x) { return std::cos(anglein(x)); }
+double tangent(double x) { return std::tan(anglein(x)); }
+double arcsine(double x) { return angleout(std::asin(std::clamp(x, -1.0, 1.0))); }
+double arccosine(double x) { return angleout(std::acos(std::clamp(x, -1.0, 1.0))); }
+double arctangent(double x) { return angleout(std::atan(x)); }
 
 // Component by component on the shown components of the top.
 template <double (*f)(double)>
@@ -138,13 +138,13 @@ void whole() {
   tquadlist& st = operandstack();
   if (st.length < 1) return;
   thyper result{};
-  treallist component{};
+  tlocalarray<treallist> samples;
+  treallist& component = *samples;
   component.create(st.length);
   for (size_t c = 0; c < 4; ++c) {
     for (int64_t i = 1; i <= component.length; ++i) component.put(i, st.get(i)[c]);
     result[c] = f(component);
   }
-  component.release();
   st.resize(0);
   stackpush(result);
 }

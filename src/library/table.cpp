@@ -13,12 +13,6 @@
 namespace {
 constexpr tworkspacewords tablewords{"table", "table", "  Table (", "  Table empty!", "table"};
 
-tworkspacelist<ttable> tablelist() {
-  tworkspacelist<ttable> w{};
-  w.words = &tablewords;
-  return w;
-}
-
 void releasecells(ttable& t) {
   t.rowcells.release();
   t.rowfirst.release();
@@ -85,7 +79,7 @@ std::string_view rawcell(const ttable& t, int64_t x, int64_t y) {
 
 }  // namespace
 
-tworkspacelist<ttable> tableworkspace = tablelist();
+tworkspacelist<ttable> tableworkspace(&tablewords);
 
 void fieldcreate(ttable& t, uint8_t) { releasecells(t); }
 

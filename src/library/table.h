@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "field/workspace.h"
-#include "formats/linefile.h"
+#include "base/linefile.h"
 #include "script/tscript.h"
 
 struct ttable {

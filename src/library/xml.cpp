@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "formats/filebuffer.h"
-#include "formats/linefile.h"
+#include "base/filebuffer.h"
+#include "base/linefile.h"
 #include "shell/files.h"
 
 namespace {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "field/owned.h"
 #include "ops/combine.h"
 #include "ops/combinewords.h"
 
@@ -34,7 +35,8 @@ void imageover(timagefield& target, std::span<const timagefield* const> operands
   // The passes overwrite the target, so a later operand that is the target itself is read
   // from a copy of what it held before.
   std::vector<const timagefield*> sources(operands.begin(), operands.end());
-  timagefield before;
+  tlocalfield<timagefield> copy;
+  timagefield& before = *copy;
   for (size_t i = 2; i < sources.size(); ++i) {
     if (sources[i] != &target) continue;
     if (fieldempty(before)) imagecopyfrom(before, target);
@@ -47,7 +49,6 @@ void imageover(timagefield& target, std::span<const timagefield* const> operands
     pair[1] = sources[i];
     combineimages(target, 4, pair, rgba, overfurther, overpixel);
   }
-  fieldrelease(before);
 }
 
 namespace {

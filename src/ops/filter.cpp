@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "field/arrays.h"
+#include "ops/arithmetic.h"
 #include "ops/slices.h"
 
 namespace {
@@ -55,13 +56,6 @@ void eachinterior(tscalarfield& f, const char* word, Make make, int64_t margin =
   if (f.kind == scalarfullgray) run(f.full);
 }
 
-int64_t medianofthree(int64_t a, int64_t b, int64_t c) {
-  if (a > b) std::swap(a, b);
-  if (b > c) std::swap(b, c);
-  if (a > b) std::swap(a, b);
-  return b;
-}
-
 template <tmediankind kind>
 int64_t combine(int64_t a, int64_t c, int64_t b) {
   if constexpr (kind == tmediankind::add) return a + c + b;
@@ -74,7 +68,7 @@ void medianwith(tscalarfield& f) {
   eachinterior(f, medianword(kind), [](int64_t sx, int64_t sy, auto) {
     return [sx, sxy = sx * sy](const auto* v, int64_t i) {
       auto line = [&](int64_t step) { return combine<kind>(v[i - step], v[i], v[i + step]); };
-      return medianofthree(line(1), line(sx), line(sxy));
+      return pixelmath::medianofthree(line(1), line(sx), line(sxy));
     };
   });
 }

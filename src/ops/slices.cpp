@@ -7,15 +7,7 @@
 #include <system_error>
 #include <thread>
 
-#include "script/values.h"
-#include "script/variables.h"
 #include "shell/console.h"
-
-int64_t threadlimit(const tscript& s) {
-  const double v = textreal(getvar(s, "thread.max"));
-  if (!(v >= 1)) return 1;
-  return v > 4096 ? 4096 : std::llround(v);
-}
 
 namespace {
 

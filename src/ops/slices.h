@@ -8,7 +8,6 @@
 #include <memory>
 #include <vector>
 
-#include "script/tscript.h"
 #include "script/utf16.h"
 
 // What a job does with slice z (1-based): `compute` runs on a worker and reads the
@@ -18,9 +17,6 @@ struct tslicejob {
   std::function<void(int64_t)> compute;
   std::function<void(int64_t)> commit;
 };
-
-// round(thread.max), at least 1; read at each command since a macro may change it.
-int64_t threadlimit(const tscript& s);
 
 // Threaded when count >= 2 and parallel >= 2 (with the "Working threads: " and "Parallel: "
 // lines), otherwise the sequential walk that commits z - 1 once z is computed. Progress

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "formats/gzip.h"
+#include "base/gzip.h"
 #include "shell/console.h"
 #include "shell/files.h"
 

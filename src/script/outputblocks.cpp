@@ -124,7 +124,7 @@ utf16 transformedline(const tframe& f, const std::vector<utf16>& p, bool rotate)
     const double len = std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]);
     if (len > 0) {
       const tvector k{a[0] / len, a[1] / len, a[2] / len};
-      const double angle = a[3] * 3.14159265358979323846 / 180, c = std::cos(angle), sn = std::sin(angle);
+      const double angle = degreestoradians(a[3]), c = std::cos(angle), sn = std::sin(angle);
       const double dot = k[0] * v[0] + k[1] * v[1] + k[2] * v[2];
       const tvector cross{k[1] * v[2] - k[2] * v[1], k[2] * v[0] - k[0] * v[2], k[0] * v[1] - k[1] * v[0]};
       for (size_t i = 0; i < 3; ++i) v[i] = v[i] * c + cross[i] * sn + k[i] * dot * (1 - c);

@@ -28,6 +28,9 @@ int64_t clampedint(double x) {
 
 }  // namespace
 
+double anglein(double angle) { return numbersettings.degree ? degreestoradians(angle) : angle; }
+double angleout(double radians) { return numbersettings.degree ? radians * 180 / std::numbers::pi : radians; }
+
 // nearbyint follows the default rounding mode, which rounds ties to even.
 int64_t roundnat(double x) { return clampedint(std::nearbyint(x)); }
 int64_t truncnat(double x) { return clampedint(std::trunc(x)); }

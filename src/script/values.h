@@ -3,6 +3,7 @@
 #pragma once
 #include <array>
 #include <cstdint>
+#include <numbers>
 #include <span>
 #include <string>
 
@@ -72,3 +73,11 @@ int64_t roundnat(double x);
 int64_t truncnat(double x);
 // The relative position rule along an axis of s elements.
 int64_t position(double v, int64_t s);
+
+// Angles. The macro meets radians, or degrees while math.degree is on; degrees become
+// radians as (d * pi) / 180 wherever a rotation is built, so one angle gives the same bits.
+constexpr double degreestoradians(double d) { return d * std::numbers::pi / 180; }
+// The unit sign: "90°" is 90 * (pi / 180).
+constexpr double degreeunit = std::numbers::pi / 180;
+double anglein(double angle);     // the macro's unit to radians
+double angleout(double radians);  // radians to the macro's unit

@@ -7,7 +7,9 @@
 #include "commands/commandtable.h"
 #include "library/table.h"
 #include "field/workspaces.h"
+#include "formats/imagefile.h"
 #include "formats/imagelibs.h"
+#include "formats/scalarfile.h"
 #include "script/run.h"
 #include "script/tscript.h"
 #include "script/variables.h"
@@ -36,13 +38,12 @@ struct tscriptoption {
   const char* fallback;
   const char* description;
   const char* formats;  // the note line behind it; nullptr for none
+  std::string (*tablenotes)() = nullptr;  // or the note made from the kind's format table
 };
 
 constexpr tscriptoption inputoptions[] = {
-    {"image.input", "image.input", "image.ppm", "image input file",
-     "PNM (PBM, PGM, PPM, PAM), BMP (DIB), RGB, IMGF, raw; TGA, TIF, PNG, JPG, GIF through FreeImage or ImageMagick"},
-    {"scalar.input", "scalar.input", "scalar.nii.gz", "scalar field input file",
-     "HDR, NII, gz NII, MIF, PCR, VOL, XML, AM, VTK, VGL, ARF, raw, image stacks with *"},
+    {"image.input", "image.input", "image.ppm", "image input file", nullptr, imageinputnote},
+    {"scalar.input", "scalar.input", "scalar.nii.gz", "scalar field input file", nullptr, scalarinputnote},
     {"vector.input", "vector.input", "vector.nii.gz", "vector field input file", "HDR, NII, gz NII, FLD, AM"},
     {"tensor.input", "tensor.input", "tensor.nii.gz", "tensor field input file", "HDR, NII, gz NII, NHDR, NRRD"},
     {"mesh.input", "mesh.input", "input.obj", "mesh input file", "OBJ, PLY, STL, DXF, WRL, IV, POV, ASC, CSV, PRN"},
@@ -58,8 +59,8 @@ constexpr tscriptoption transformoptions[] = {
 };
 
 constexpr tscriptoption outputoptions[] = {
-    {"image.type", "image.type", "png", "image output type", "PNM (PBM, PGM, PPM), BMP (DIB), TGA, TIF, PNG"},
-    {"scalar.type", "scalar.type", "nii.gz", "scalar field output type", "HDR, NII, gz NII, PNM, BMP, TGA, TIF, PNG"},
+    {"image.type", "image.type", "png", "image output type", nullptr, imageoutputnote},
+    {"scalar.type", "scalar.type", "nii.gz", "scalar field output type", nullptr, scalaroutputnote},
     {"vector.type", "vector.type", "nii.gz", "vector field output type", "HDR, NII, gz NII, FLD, AM"},
     {"tensor.type", "tensor.type", "nii.gz", "tensor field output type", "HDR, NII, gz NII, NHDR, NRRD"},
     {"mesh.type", "mesh.type", "obj", "mesh output type", "OBJ, DXF, ASC, CSV, PRN, POV, INC, sPOV, sINC, nPOV, nINC"},
@@ -71,6 +72,7 @@ void declaregroup(const char* title, const tscriptoption (&group)[n], bool lower
   for (const tscriptoption& o : group) {
     const utf16 value = opttext(options, o.name, o.fallback, o.description);
     if (o.formats) note(options, o.formats);
+    if (o.tablenotes) note(options, o.tablenotes().c_str());
     setvarquiet(script, o.variable, lowercase ? lower(value) : value);
   }
 }

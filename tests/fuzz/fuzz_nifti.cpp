@@ -7,7 +7,7 @@
 #include <string>
 
 #include "field/memory.h"
-#include "formats/gzip.h"
+#include "base/gzip.h"
 #include "formats/nifti.h"
 #include "formats/niftiheader.h"
 #include "shell/console.h"

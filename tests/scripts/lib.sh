@@ -1,5 +1,5 @@
 # Shared helpers of the script tests: a fresh working directory and checks that name the fault.
-set -u
+set -uo pipefail  # a pipe's status is the program's, not that of the last filter
 BIN=$(realpath "$1")
 WORK=$(mktemp -d /tmp/voxmill-script-XXXXXX)
 trap 'rm -rf "$WORK"' EXIT

@@ -4,7 +4,7 @@ source "$(dirname "$0")/lib.sh"
 printf 'debug.no\nprint "from gzip"\nhalt 3\n' | gzip -c > g.macro
 out=$("$BIN" -strict -macro=g.macro | script_part); rc=$?
 check_contains "$out" "from gzip" "a gzip macro named .macro runs"
-"$BIN" -strict -macro=g.macro >/dev/null; check_eq "$?" 3 "halt 3 in a gzip macro"
+check_eq "$rc" 3 "halt 3 in a gzip macro"
 
 printf 'debug.no\nprint "plain but named gz"\n' > p.macro.gz
 out=$("$BIN" -strict -macro=p.macro.gz)

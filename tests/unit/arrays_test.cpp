@@ -189,22 +189,6 @@ TYPED_TEST(ArrayNumberList, SmoothUsesTheSmoothedLeftNeighbour) {
   }
 }
 
-TYPED_TEST(ArrayNumberList, ShuffleKeepsTheElements) {
-  using T = typename TypeParam::elementtype;
-  const auto v = sample<T>(50, 5);
-  TypeParam list{};
-  load(list, v);
-  list.sort();
-  list.shuffle();
-  EXPECT_FALSE(list.sorted);
-  auto got = contents(list);
-  auto expected = v;
-  std::sort(got.begin(), got.end());
-  std::sort(expected.begin(), expected.end());
-  EXPECT_EQ(got, expected);
-  list.release();
-}
-
 TEST(ArrayIntList, FrequencySortPutsTheMostFrequentLast) {
   for (const int64_t n : lengths) {
     const auto v = sample<int64_t>(n, static_cast<uint64_t>(n) + 40);
@@ -235,50 +219,6 @@ TEST(ArrayIntList, FrequencySortPutsTheMostFrequentLast) {
   }
 }
 
-TEST(ArrayWordList, FrequencySortOfLabels) {
-  twordlist list{};
-  load(list, {7, 3, 7, 65535, 3, 7});
-  list.frequencysort();
-  EXPECT_EQ(list.get(6), 7);
-  EXPECT_EQ(list.get(1), 65535);
-  list.release();
-}
-
-TEST(ArrayNumberListEdges, KnownSmallCases) {
-  tintlist list{};
-  load(list, {1, 2, 3, 4});
-  EXPECT_EQ(list.median(), 2);
-  list.release();
-  load(list, {3, 1, 2});
-  EXPECT_EQ(list.median(), 2);
-  list.release();
-  load(list, {5, 4, 3, 2, 1});
-  EXPECT_EQ(list.quantile25(), 2);
-  list.release();
-  load(list, {4, 9});  // an even list of two has no first or third quartile
-  EXPECT_EQ(list.quartiles(), (tvector{0, 4, 0}));
-  list.release();
-
-  treallist one{};
-  load(one, {2.5});
-  EXPECT_EQ(one.mean(), 2.5);
-  EXPECT_EQ(one.sd(), 0.0);
-  one.release();
-
-  tintlist empty{};
-  empty.createdynamic();
-  EXPECT_EQ(empty.min(), 9223372036854775807);
-  EXPECT_EQ(empty.median(), 0);
-  EXPECT_EQ(empty.quartiles(), (tvector{0, 0, 0}));
-  empty.release();
-
-  treallist none{};
-  none.createdynamic();
-  EXPECT_EQ(none.min(), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(none.max(), -std::numeric_limits<double>::infinity());
-  none.release();
-}
-
 TEST(ArrayNumberListEdges, NaNDoesNotBreakTheSort) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   treallist list{};
@@ -291,26 +231,6 @@ TEST(ArrayNumberListEdges, NaNDoesNotBreakTheSort) {
   EXPECT_EQ(list.find(nan), 0);
   EXPECT_EQ(list.min(), 0.0);
   list.release();
-}
-
-TEST(ArrayLists, DynamicListsGrowByAdd) {
-  tbytelist list{};
-  list.createdynamic();
-  for (int i = 0; i < 70000; ++i) list.add(static_cast<uint8_t>(i));
-  EXPECT_EQ(list.length, 70000);
-  EXPECT_EQ(list.get(70000), static_cast<uint8_t>(69999));
-  EXPECT_EQ(list.getchecked(70001), 0);
-  list.defaultvalue = 9;
-  EXPECT_EQ(list.getchecked(0), 9);
-  list.fill(4);
-  EXPECT_EQ(list.sum(), 4 * 70000);
-  list.release();
-
-  tbytelist fixed{};
-  fixed.create(3);
-  fixed.add(1);  // a static list doesn't grow
-  EXPECT_EQ(fixed.length, 3);
-  fixed.release();
 }
 
 TEST(ArrayLists, TuplesSortByTheChosenComponent) {
@@ -340,84 +260,6 @@ TEST(ArrayLists, TuplesSortByTheChosenComponent) {
   EXPECT_EQ(pairs.get(1)[0], 1);
   EXPECT_EQ(pairs.find({5, 2}), 2);
   pairs.release();
-}
-
-TEST(ArrayLists, PointersAreFoundButNotOwned) {
-  int a = 0, b = 0;
-  tpointerlist list{};
-  list.createdynamic();
-  list.add(&a);
-  list.add(&b);
-  EXPECT_EQ(list.find(&b), 2);
-  EXPECT_EQ(list.getchecked(3), nullptr);
-  list.release();
-}
-
-TEST(ArrayKinds, EachMemberKeepsItsTagAndWidth) {
-  const auto check = [](auto array, int kind, int64_t element) {
-    if constexpr (requires { array.create(1, 1, 1); })
-      array.create(2, 2, 2);
-    else if constexpr (requires { array.create(1, 1); })
-      array.create(2, 2);
-    else
-      array.create(2);
-    EXPECT_EQ(array.kind, kind);
-    EXPECT_EQ(array.element, element);
-    array.release();
-  };
-  check(treallist{}, 1, 8);
-  check(tintlist{}, 2, 8);
-  check(twordlist{}, 3, 2);
-  check(tbytelist{}, 4, 1);
-  check(tbitlist{}, 5, 1);
-  check(tpointlist{}, 0, 16);
-  check(tcountlist{}, 0, 16);
-  check(tvectorlist{}, 0, 24);
-  check(tintvectorlist{}, 0, 24);
-  check(tquadlist{}, 0, 32);
-  check(tintquadlist{}, 0, 32);
-  check(trealplane{}, 'A', 8);
-  check(tintplane{}, 'B', 8);
-  check(twordplane{}, 'C', 2);
-  check(tbyteplane{}, 'D', 1);
-  check(tvectorplane{}, 'H', 24);
-  check(tintvectorplane{}, 'I', 24);
-  check(twordvolume{}, 'S', 2);
-  check(tbytevolume{}, 'T', 1);
-  check(tbitvolume{}, 'U', 1);
-  check(tvectorvolume{}, 'X', 24);
-  check(tintvectorvolume{}, 'Y', 24);
-  check(tpointerlist{}, 225, 8);
-  check(tnamelist{}, 241, 512);
-}
-
-TEST(ArrayBits, PackingAndDefaults) {
-  tbitlist bits{};
-  bits.create(8);
-  EXPECT_EQ(bits.length, 2);  // count div 8 + 1 bytes
-  EXPECT_TRUE(bits.value);
-  bits.put(1, true);
-  bits.put(8, true);
-  EXPECT_EQ(bits.data[0], 0x81);
-  EXPECT_TRUE(bits.get(8));
-  EXPECT_FALSE(bits.get(2));
-  EXPECT_FALSE(bits.get(9));  // outside the count: default
-  bits.defaultvalue = true;
-  EXPECT_TRUE(bits.get(0));
-  bits.release();
-
-  tbitlist grow{};
-  grow.createdynamic();
-  grow.defaultvalue = true;
-  grow.put(3, false);  // its byte comes into being with the default in the other bits
-  EXPECT_EQ(grow.count, 3);
-  EXPECT_TRUE(grow.get(1));
-  EXPECT_FALSE(grow.get(3));
-  for (int i = 0; i < 20; ++i) grow.add(i % 2 == 0);
-  EXPECT_EQ(grow.count, 23);
-  EXPECT_TRUE(grow.get(4));
-  EXPECT_FALSE(grow.get(5));
-  grow.release();
 }
 
 TEST(ArrayBits, AllSetLooksOnlyAtUsedBits) {
@@ -471,31 +313,6 @@ TEST(ArrayBits, LineWalksInFixedPoint) {
   v.release();
 }
 
-TEST(ArrayPlanes, LayoutAndCheckedAccess) {
-  twordplane p{};
-  p.create(4, 3);
-  EXPECT_EQ(p.sizex, 4);
-  EXPECT_EQ(p.sizey, 3);
-  p.put(2, 3, 77);
-  EXPECT_EQ(p.get(2 + 2 * 4), 77);
-  p.defaultvalue = 5;
-  EXPECT_EQ(p.getchecked(5, 1), 5);
-  EXPECT_EQ(p.getchecked(1, 0), 5);
-  EXPECT_EQ(p.getchecked(2, 3), 77);
-  p.putchecked(0, 1, 9);
-  p.putchecked(5, 3, 9);
-  EXPECT_EQ(p.sum(), 77);
-  p.release();
-  EXPECT_EQ(p.sizex, 0);
-
-  tbyteplane empty{};
-  empty.create(0, 5);
-  EXPECT_EQ(empty.sizex, 0);
-  EXPECT_EQ(empty.sizey, 0);
-  EXPECT_EQ(empty.getchecked(1, 1), 0);
-  empty.release();
-}
-
 TEST(ArrayPlanes, ResizeRewrapsTheLinearOrder) {
   tintplane p{};
   p.create(10, 10);
@@ -509,27 +326,6 @@ TEST(ArrayPlanes, ResizeRewrapsTheLinearOrder) {
   p.resize(3, 0);
   EXPECT_EQ(p.sizex, 0);
   EXPECT_EQ(p.sizey, 0);
-  p.release();
-}
-
-TEST(ArrayPlanes, DynamicPlaneGrowsByWriting) {
-  tbyteplane p{};
-  p.createdynamic();
-  p.putchecked(3, 1, 7);  // a single row grows in place
-  EXPECT_EQ(p.sizex, 3);
-  EXPECT_EQ(p.sizey, 1);
-  p.putchecked(1, 1, 1);
-  p.putchecked(2, 2, 8);  // a second row within the width
-  EXPECT_EQ(p.sizey, 2);
-  p.putchecked(5, 3, 9);  // wider: the rows are re-laid to width 5
-  EXPECT_EQ(p.sizex, 5);
-  EXPECT_EQ(p.sizey, 3);
-  const uint8_t expected[3][5] = {{1, 0, 7, 0, 0}, {0, 8, 0, 0, 0}, {0, 0, 0, 0, 9}};
-  for (int64_t y = 1; y <= 3; ++y)
-    for (int64_t x = 1; x <= 5; ++x) EXPECT_EQ(p.getchecked(x, y), expected[y - 1][x - 1]) << x << "," << y;
-  p.putchecked(0, 1, 5);
-  p.putchecked(1, 0, 5);
-  EXPECT_EQ(p.sum(), 25);
   p.release();
 }
 
@@ -553,57 +349,6 @@ TEST(ArrayPlanes, Drawing) {
   EXPECT_EQ(p.get(3, 1), (200 * 3 + 100) >> 2);
   EXPECT_EQ(p.get(3, 2), 100 >> 2);
   p.release();
-}
-
-TEST(ArrayVolumes, LayoutSizesAndFailure) {
-  tbytevolume v{};
-  v.create(3, 4, 5);
-  v.put(2, 3, 4, 9);
-  EXPECT_EQ(v.get(2 + 2 * 3 + 3 * 12), 9);
-  EXPECT_EQ(v.getchecked(2, 3, 4), 9);
-  EXPECT_EQ(v.getchecked(2, 3, 6), 0);
-  v.putchecked(4, 1, 1, 1);
-  EXPECT_EQ(v.sum(), 9);
-  v.resize(6, 2, 5);
-  EXPECT_EQ(v.get(2 + 2 * 3 + 3 * 12), 9);  // linear order kept
-  v.release();
-
-  twordvolume absurd{};
-  testing::internal::CaptureStdout();
-  absurd.create(200000, 200000, 200000);
-  const std::string said = testing::internal::GetCapturedStdout();
-  EXPECT_EQ(said, "  Wrong static allocation (Out of memory?)! Create empty field.\n");
-  EXPECT_EQ(absurd.sizex, 0);
-  EXPECT_EQ(absurd.sizey, 0);
-  EXPECT_EQ(absurd.sizez, 0);
-  EXPECT_EQ(absurd.getchecked(1, 1, 1), 0);
-  absurd.putchecked(1, 1, 1, 5);
-  EXPECT_EQ(absurd.median(), 0);
-  absurd.release();
-}
-
-TEST(ArrayNames, RecordLayoutAndCutting) {
-  utf16 longname;
-  for (int i = 0; i < 300; ++i) appendchar(longname, static_cast<uint16_t>('a' + i % 26));
-  appendchar(longname, 0x263A);
-  const tname record = namerecord(longname);
-  EXPECT_EQ(record.lo[0], 254);
-  EXPECT_EQ(record.lo[255], 0);
-  EXPECT_EQ(length(nametext(record)), 254);
-  EXPECT_TRUE(equal(nametext(record), copy(longname, 1, 254)));
-
-  const tname wide = namerecord(utf16char(0x263A));
-  EXPECT_EQ(wide.lo[1], 0x3A);
-  EXPECT_EQ(wide.hi[1], 0x26);
-  EXPECT_EQ(wide.lo[2], 0);
-  EXPECT_EQ(charat(nametext(wide), 1), 0x263A);
-
-  tnamelist names{};
-  names.createdynamic();
-  names.add(longname);
-  EXPECT_EQ(length(names.get(1)), 254);
-  EXPECT_TRUE(empty(names.getchecked(2)));
-  names.release();
 }
 
 TEST(ArrayNames, FindScansOrUsesTheOrder) {

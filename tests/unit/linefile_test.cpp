@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "formats/filebuffer.h"
-#include "formats/gzip.h"
-#include "formats/linefile.h"
+#include "base/filebuffer.h"
+#include "base/gzip.h"
+#include "base/linefile.h"
 
 #include "testfiles.h"
 

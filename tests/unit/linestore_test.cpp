@@ -3,7 +3,7 @@
 #include <fstream>
 #include <string>
 
-#include "formats/gzip.h"
+#include "base/gzip.h"
 #include "script/linestore.h"
 
 namespace {
@@ -25,50 +25,6 @@ std::vector<std::string> lines(const tlinestore& store) {
 }
 
 }  // namespace
-
-TEST(LineStore, LineEndsOfAllThreeKindsGiveTheSameLines) {
-  const std::vector<std::string> expected = {"a", "", "b", "c"};
-  for (const std::string& text : {std::string("a\n\nb\nc"), std::string("a\r\n\r\nb\r\nc\r\n"), std::string("a\r\rb\rc\r")}) {
-    tlinestore store;
-    ASSERT_TRUE(load(store, utf16(tempfile("ends.macro", text))));
-    EXPECT_EQ(lines(store), expected);
-  }
-}
-
-TEST(LineStore, NulBytesNeitherEndNorCountButCutTheLineText) {
-  tlinestore store;
-  ASSERT_TRUE(load(store, utf16(tempfile("nul.macro", std::string("ab\0cd\n\0\nx", 9)))));
-  ASSERT_EQ(linecount(store), 3);
-  EXPECT_EQ(store.linelength[0], 4);  // the NUL does not count
-  EXPECT_EQ(lines(store)[0], "ab");   // a line is a zero-terminated string
-  EXPECT_EQ(lines(store)[1], "");
-}
-
-TEST(LineStore, GzipIsDecidedByTheFirstTwoBytes) {
-  std::string packed;
-  ASSERT_TRUE(gzipcompress("one\ntwo\n", packed));
-  tlinestore store;
-  ASSERT_TRUE(load(store, utf16(tempfile("packed.macro", packed))));
-  EXPECT_EQ(lines(store), (std::vector<std::string>{"one", "two"}));
-}
-
-TEST(LineStore, CorruptGzipAndMissingFilesLeaveAnEmptyStore) {
-  std::string packed;
-  ASSERT_TRUE(gzipcompress(std::string(1000, 'x') + "\n", packed));
-  tlinestore store;
-  EXPECT_FALSE(load(store, utf16(tempfile("cut.macro", packed.substr(0, packed.size() / 2)))));
-  EXPECT_EQ(linecount(store), 0);
-  EXPECT_FALSE(load(store, utf16(::testing::TempDir() + "does-not-exist.macro")));
-  EXPECT_EQ(linecount(store), 0);
-}
-
-TEST(LineStore, TinyFilesHaveNoLines) {
-  tlinestore store;
-  ASSERT_TRUE(load(store, utf16(tempfile("empty.macro", ""))));
-  EXPECT_EQ(linecount(store), 0);
-  ASSERT_TRUE(load(store, utf16(tempfile("one.macro", "x"))));
-  EXPECT_EQ(linecount(store), 0);
-}
 
 TEST(LineStore, OutOfRangeLinesLeaveTheTextAlone) {
   tlinestore store;

@@ -44,25 +44,6 @@ TEST(Vectors, Angles) {
   EXPECT_NEAR(vectorangle({1, 0, 0}, {1, 1e-9, 0}), 1e-9, 1e-20);
 }
 
-TEST(Vectors, Norms) {
-  std::vector<double> a{2, -4, 8, 0};
-  normalise(a, tnorm::smallest);  // the zero is no candidate
-  EXPECT_EQ(a, (std::vector<double>{1, -2, 4, 0}));
-  std::vector<double> b{2, -4, 8, 0};
-  normalise(b, tnorm::largest);
-  EXPECT_EQ(b, (std::vector<double>{0.25, -0.5, 1, 0}));
-  std::vector<double> c{3, 4, 0, 0};
-  normalise(c, tnorm::euclidean);
-  EXPECT_EQ(c, (std::vector<double>{0.6, 0.8, 0, 0}));
-  std::vector<double> zero{0, 0, 0, 0};
-  for (const tnorm n : {tnorm::smallest, tnorm::euclidean, tnorm::largest}) {
-    normalise(zero, n);
-    EXPECT_EQ(zero, (std::vector<double>{0, 0, 0, 0}));
-  }
-  EXPECT_EQ(normalised({0, 0, 0}), (tvector{0, 0, 0}));
-  EXPECT_EQ(vectorlength({2, 3, 6}), 7.0);
-}
-
 // --- matrices --------------------------------------------------------------------------
 
 const tmatrix general = {thyper{2, 1, 0, 0.5}, thyper{-1, 3, 2, 0}, thyper{0, 1, 4, 1}, thyper{3, 0, 1, 2}};
@@ -75,12 +56,6 @@ TEST(Matrices, InverseTimesMatrixIsIdentity) {
   }
 }
 
-TEST(Matrices, InversesOfKnownMatrices) {
-  // Moves and scales invert by their negative and reciprocal, exactly.
-  EXPECT_EQ(inverted(movematrix({1, -2, 4})), movematrix({-1, 2, -4}));
-  EXPECT_EQ(inverted(scalematrix({2, 4, 0.5})), scalematrix({0.5, 0.25, 2}));
-}
-
 TEST(Matrices, SingularMatrixHasTheZeroInverse) {
   const tmatrix rows123 = {thyper{1, 2, 3, 0}, thyper{4, 5, 6, 0}, thyper{7, 8, 9, 0}, thyper{0, 0, 0, 1}};
   EXPECT_EQ(determinant(rows123), 0.0);
@@ -89,12 +64,6 @@ TEST(Matrices, SingularMatrixHasTheZeroInverse) {
   // A 3x3 written without the homogeneous 1 is singular as a 4x4.
   const tmatrix threebythree{thyper{1, 0, 0, 0}, thyper{0, 1, 0, 0}, thyper{0, 0, 1, 0}, thyper{}};
   EXPECT_TRUE(iszero(inverted(threebythree)));
-}
-
-TEST(Matrices, Determinant) {
-  EXPECT_EQ(determinant(identitymatrix()), 1.0);
-  EXPECT_EQ(determinant(scalematrix({2, 3, 4})), 24.0);
-  EXPECT_NEAR(determinant(product(general, affine)), determinant(general) * determinant(affine), 1e-12);
 }
 
 TEST(Matrices, JoinAppliesTheFirstThenTheSecond) {
@@ -108,19 +77,6 @@ TEST(Matrices, JoinAppliesTheFirstThenTheSecond) {
 TEST(Matrices, TransformOfTheInverseReturnsThePoint) {
   const tvector p{0.25, -7, 3};
   expectnear(transformed(inverted(affine), transformed(affine, p)), p);
-}
-
-TEST(Matrices, TransformUsesRowsAsAxes) {
-  // x maps to v1, y to v2, z to v3, each plus v4.
-  EXPECT_EQ(transformed(affine, {1, 0, 0}), (tvector{7, 0, 5}));
-  EXPECT_EQ(transformed(affine, {0, 1, 0}), (tvector{4, -2, 5}));
-  EXPECT_EQ(transformed(affine, {0, 0, 2}), (tvector{7, -2, 6}));
-}
-
-TEST(Matrices, TransposeAndTrace) {
-  EXPECT_EQ(transposed(transposed(general)), general);
-  EXPECT_EQ(transposed(general)[0], (thyper{2, -1, 0, 3}));
-  EXPECT_EQ(trace(general), 9.0);  // the 3x3 part: 2 + 3 + 4
 }
 
 TEST(Matrices, FrameDecomposesIntoRotationScaleAndMove) {
@@ -146,30 +102,7 @@ TEST(Matrices, FrameOfTwoDirections) {
   EXPECT_EQ(framerows({1, 0, 0}, {2, 0, 0}), (trows{tvector{1, 0, 0}, tvector{0, 0, 0}, tvector{0, 0, 0}}));
 }
 
-TEST(Matrices, SymmetricPartAveragesTheMirroredEntries) {
-  const tsymmetric s = symmetricpart(general);
-  EXPECT_EQ(s.xx, 2.0);
-  EXPECT_EQ(s.yy, 3.0);
-  EXPECT_EQ(s.zz, 4.0);
-  EXPECT_EQ(s.xy, 0.0);  // (1 + -1) / 2
-  EXPECT_EQ(s.xz, 0.0);
-  EXPECT_EQ(s.yz, 1.5);  // (2 + 1) / 2
-}
-
 // --- quaternions -------------------------------------------------------------------------
-
-TEST(Quaternions, HamiltonProductOfTheUnits) {
-  const tquaternion i{1, 0, 0, 0}, j{0, 1, 0, 0}, k{0, 0, 1, 0};
-  const tquaternion ij = hamilton(i, j), ji = hamilton(j, i), ii = hamilton(i, i), jk = hamilton(j, k);
-  EXPECT_EQ((thyper{ij.x, ij.y, ij.z, ij.w}), (thyper{0, 0, 1, 0}));
-  EXPECT_EQ((thyper{ji.x, ji.y, ji.z, ji.w}), (thyper{0, 0, -1, 0}));
-  EXPECT_EQ((thyper{ii.x, ii.y, ii.z, ii.w}), (thyper{0, 0, 0, -1}));
-  EXPECT_EQ((thyper{jk.x, jk.y, jk.z, jk.w}), (thyper{1, 0, 0, 0}));
-  // q q* = |q|^2
-  const tquaternion q{1, 2, 3, 4};
-  const tquaternion n = hamilton(q, conjugate(q));
-  EXPECT_EQ(hyperof(n), (thyper{0, 0, 0, 30}));
-}
 
 TEST(Quaternions, AxisAngle) {
   const tquaternion q = axisangle({0, 0, 5}, pi / 2);
@@ -244,31 +177,5 @@ TEST(Quaternions, ConjugateUndoesTheRotation) {
 }
 
 // --- matrix text -------------------------------------------------------------------------
-
-TEST(MatrixText, BracketGroupsAreRows) {
-  const tmatrix want{thyper{1, 2, 3, 4}, thyper{5, 6, 7, 8}, thyper{9, 10, 11, 12}, thyper{13, 14, 15, 16}};
-  EXPECT_EQ(textmatrix("<<1, 2, 3, 4>, <5, 6, 7, 8>, <9, 10, 11, 12>, <13, 14, 15, 16>>"), want);
-  // A bracketed parameter arrives without its outer brackets.
-  EXPECT_EQ(textmatrix("<1,2,3,4>,<5,6,7,8>,<9,10,11,12>,<13,14,15,16>"), want);
-  EXPECT_EQ(textmatrix("1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16"), want);
-  // Short rows and missing rows are zero.
-  EXPECT_EQ(textmatrix("<<2>, <0, 3>>"), (tmatrix{thyper{2, 0, 0, 0}, thyper{0, 3, 0, 0}, thyper{}, thyper{}}));
-  EXPECT_EQ(textmatrix(""), tmatrix{});
-  EXPECT_EQ(textmatrix("<<1, 0, 0, 0>, <0, 1, 0, 0>, <0, 0, 1, 0>, <0, 0, 0, 1>, <9, 9, 9, 9>>"), identitymatrix());
-}
-
-TEST(MatrixText, DecimalCommaMode) {
-  const tnumbersettings saved = numbersettings;
-  numbersettings.decimal = false;
-  EXPECT_EQ(textmatrix("<<1,5; 0; 0; 0>; <0; 2,5; 0; 0>>")[1][1], 2.5);
-  numbersettings = saved;
-}
-
-TEST(MatrixText, SignificantDigits) {
-  EXPECT_EQ(utf16toutf8(significanttext(pi, 12)), "3.14159265359");
-  EXPECT_EQ(utf16toutf8(significanttext(pi / 4, 12)), "0.785398163397");
-  EXPECT_EQ(utf16toutf8(significanttext(2 * pi, 12)), "6.28318530718");
-  EXPECT_EQ(utf16toutf8(significanttext(-123456.789, 4)), "-123457");
-}
 
 }  // namespace

@@ -9,7 +9,7 @@
 
 #include "field/memory.h"
 #include "field/scalarfield.h"
-#include "formats/gzip.h"
+#include "base/gzip.h"
 #include "formats/nifti.h"
 #include "formats/niftiheader.h"
 #include "formats/niftiraw.h"
@@ -118,34 +118,6 @@ class Nifti : public testing::Test {
 
 using V = std::vector<int64_t>;
 
-TEST_F(Nifti, IntegersBecomeGrayByTheirTopByteWithSignedRangesFromZero) {
-  EXPECT_EQ(load(4, 16, std::vector<int16_t>{-32768, 0, 32767, -1, 256}, scalargray), (V{0, 128, 255, 127, 129}));
-  EXPECT_EQ(load(512, 16, std::vector<uint16_t>{0, 255, 256, 65535}, scalargray), (V{0, 0, 1, 255}));
-  EXPECT_EQ(load(256, 8, std::vector<int8_t>{-128, -1, 0, 127}, scalargray), (V{0, 127, 128, 255}));
-  EXPECT_EQ(load(2, 8, std::vector<uint8_t>{0, 7, 255}, scalargray), (V{0, 7, 255}));
-  EXPECT_EQ(load(768, 32, std::vector<uint32_t>{0xFFFFFFFF, 0x01000000, 0x00FFFFFF}, scalargray), (V{255, 1, 0}));
-  EXPECT_EQ(load(8, 32, std::vector<int32_t>{INT32_MIN, 0, INT32_MAX}, scalargray), (V{0, 128, 255}));
-  EXPECT_EQ(load(1024, 64, std::vector<int64_t>{INT64_MIN, -1, 0, INT64_MAX}, scalargray), (V{0, 127, 128, 255}));
-  EXPECT_EQ(load(1280, 64, std::vector<uint64_t>{UINT64_MAX, uint64_t{1} << 56}, scalargray), (V{255, 1}));
-}
-
-TEST_F(Nifti, IntegersBecomeFullgrayWithBytesKeptAsTheyAre) {
-  EXPECT_EQ(load(2, 8, std::vector<uint8_t>{0, 255}, scalarfullgray), (V{0, 255})) << "not spread to 16 bits";
-  EXPECT_EQ(load(256, 8, std::vector<int8_t>{-128, 0, 127}, scalarfullgray), (V{0, 128, 255}));
-  EXPECT_EQ(load(4, 16, std::vector<int16_t>{-32768, 0, 32767}, scalarfullgray), (V{0, 32768, 65535}));
-  EXPECT_EQ(load(512, 16, std::vector<uint16_t>{1, 65535}, scalarfullgray), (V{1, 65535}));
-  EXPECT_EQ(load(768, 32, std::vector<uint32_t>{0xFFFF0000, 0x0001FFFF}, scalarfullgray), (V{65535, 1}));
-  EXPECT_EQ(load(8, 32, std::vector<int32_t>{INT32_MIN, 0}, scalarfullgray), (V{0, 32768}));
-}
-
-TEST_F(Nifti, ColoursAreMeanedOnGrayAndSummedOnFullgray) {
-  const std::vector<uint8_t> rgb{10, 20, 31, 255, 255, 255};
-  EXPECT_EQ(load(128, 24, rgb, scalargray), (V{20, 255}));
-  EXPECT_EQ(load(128, 24, rgb, scalarfullgray), (V{61, 765})) << "byte colours keep their sum on words";
-  EXPECT_EQ(load(2304, 32, std::vector<uint8_t>{10, 20, 31, 0}, scalargray), (V{20})) << "alpha plays no part";
-  EXPECT_EQ(load(128, 24, std::vector<uint8_t>{128, 128, 127, 128, 128, 128}, scalarmono), (V{0, 1}));
-}
-
 TEST_F(Nifti, WordColoursOfTheRawReaderAreMeaned) {
   const std::vector<uint16_t> rgb{1000, 2000, 3001, 60000, 60000, 60000};
   writebytes(path("rgb.raw"), payload(rgb));
@@ -159,38 +131,6 @@ TEST_F(Nifti, WordColoursOfTheRawReaderAreMeaned) {
     sourceclose(src);
     EXPECT_EQ(field.values(), expected);
   }
-}
-
-TEST_F(Nifti, FloatsMapTheirCalibrationOrTheirFoundRange) {
-  EXPECT_EQ(load(16, 32, std::vector<float>{5, -3, 12, 0}, scalargray, 0, 1, 0, 10), (V{128, 0, 255, 0}))
-      << "127.5 rounds to even";
-  EXPECT_TRUE(said("  New min (0) max (10) values -> 0..255!"));
-  EXPECT_EQ(load(64, 64, std::vector<double>{-1, 1, 3}, scalarfullgray), (V{0, 32768, 65535}));
-  EXPECT_TRUE(said("  New min (-1) max (3) values -> 0..65535!"));
-  EXPECT_EQ(load(16, 32, std::vector<float>{7, 7, 7}, scalargray), (V{0, 0, 0}));
-  EXPECT_TRUE(said("  New min (7) max (7) values -> 0..255!")) << "the line stands when the range is empty";
-  EXPECT_EQ(load(64, 64, std::vector<double>{0, 1, 2, 3}, scalarmono), (V{0, 0, 1, 1}));
-  EXPECT_TRUE(said("  New min (0) max (3) values -> threshold=1.5!"));
-}
-
-TEST_F(Nifti, MonoTakesTheUpperHalfOfUnsignedAndThePositiveOfSigned) {
-  EXPECT_EQ(load(2, 8, std::vector<uint8_t>{127, 128}, scalarmono), (V{0, 1}));
-  EXPECT_EQ(load(512, 16, std::vector<uint16_t>{0x7FFF, 0x8000}, scalarmono), (V{0, 1}));
-  EXPECT_EQ(load(768, 32, std::vector<uint32_t>{0x7FFFFFFF, 0x80000000}, scalarmono), (V{0, 1}));
-  EXPECT_EQ(load(4, 16, std::vector<int16_t>{-5, 0, 1}, scalarmono), (V{0, 0, 1}));
-  // Nine voxels cross a byte of the packed store.
-  EXPECT_EQ(load(2, 8, std::vector<uint8_t>{255, 0, 255, 0, 255, 0, 255, 0, 255}, scalarmono),
-            (V{1, 0, 1, 0, 1, 0, 1, 0, 1}));
-}
-
-TEST_F(Nifti, TheLoadFilterAddsThenMultipliesOrDividesTowardZero) {
-  EXPECT_EQ(load(4, 16, std::vector<int16_t>{10, -10, 7}, scalarfullgray, 0, -2), (V{5, 0, 3}));
-  EXPECT_EQ(load(4, 16, std::vector<int16_t>{10, -10, 7}, scalarfullgray, 100, 2), (V{220, 180, 214}));
-  EXPECT_EQ(load(512, 16, std::vector<uint16_t>{1000, 2000}, scalargray, -900, 1), (V{100, 255}));
-  EXPECT_EQ(load(16, 32, std::vector<float>{2.5F, -1, 2.25F}, scalargray, 1, 2), (V{7, 0, 6}));
-  EXPECT_EQ(load(4, 16, std::vector<int16_t>{1, 3}, scalarmono, 0, -2), (V{0, 1})) << "1 div 2 is 0";
-  EXPECT_EQ(load(512, 16, std::vector<uint16_t>{1, 0}, scalarmono, 0, 2), (V{1, 0}))
-      << "a filtered unsigned voxel is set when positive";
 }
 
 TEST_F(Nifti, ExtendedRealsOfTheRawReader) {
@@ -217,20 +157,6 @@ TEST_F(Nifti, ExtendedRealsOfTheRawReader) {
   EXPECT_EQ(field.values(), (V{2, 0, 101}));
 }
 
-TEST_F(Nifti, BigEndianFilesSwapNumbersButNotBytes) {
-  tniftiheader h = header(4, 16, 3, 1, 1);
-  swapheader(h);
-  const std::vector<uint8_t> be{0x80, 0x00, 0x00, 0x00, 0x7F, 0xFF};  // -32768, 0, 32767
-  writebytes(path("be.nii"), single(h, payload(be)));
-  EXPECT_EQ(loadfile(path("be.nii"), scalargray), (V{0, 128, 255}));
-  tniftiheader b = header(2, 8, 3, 1, 1);
-  b.pixdim[1] = 2.5F;
-  swapheader(b);
-  writebytes(path("be8.nii"), single(b, payload(std::vector<uint8_t>{1, 2, 3})));
-  EXPECT_EQ(loadfile(path("be8.nii"), scalarfullgray), (V{1, 2, 3}));
-  EXPECT_EQ(field.f.space.matrix[0][0], 2.5) << "floats of the header swap too";
-}
-
 TEST_F(Nifti, DataStartsAtByte352OrAtALargerVoxOffset) {
   tniftiheader h = header(2, 8, 2, 1, 1);
   h.vox_offset = 0;
@@ -239,25 +165,6 @@ TEST_F(Nifti, DataStartsAtByte352OrAtALargerVoxOffset) {
   h.vox_offset = 400.4F;
   writebytes(path("v400.nii"), single(h, std::string(48, '\x01') + "\x07\x08"));
   EXPECT_EQ(loadfile(path("v400.nii"), scalargray), (V{7, 8}));
-}
-
-TEST_F(Nifti, TimeSeriesOfOneSliceMoveDownAndAStackIsChosen) {
-  tniftiheader h = header(2, 8, 1, 2, 2);
-  h.dim[0] = 4, h.dim[4] = 3;  // 1 x 2 x 2 x 3: becomes 2 x 2 x 3, one volume
-  writebytes(path("shift.nii"), single(h, "abcdefghijkl"));
-  EXPECT_EQ(loadfile(path("shift.nii"), scalargray).size(), 12u);
-  EXPECT_EQ(fieldsize(field.f), (tnatvector{2, 2, 3}));
-
-  h = header(2, 8, 2, 2, 1);
-  h.dim[0] = 4, h.dim[3] = 2, h.dim[4] = 3;  // three volumes of 2 x 2 x 2
-  std::string data;
-  for (char v : {'\x01', '\x02', '\x03'}) data += std::string(8, v);
-  writebytes(path("4d.nii"), single(h, data));
-  EXPECT_EQ(loadfile(path("4d.nii"), scalargray, 2), V(8, 2));
-  EXPECT_EQ(loadfile(path("4d.nii"), scalargray, -1), V(8, 3)) << "negative counts from the end";
-  EXPECT_EQ(loadfile(path("4d.nii"), scalargray, -7), V(8, 1)) << "below 1 is 1";
-  EXPECT_TRUE(loadfile(path("4d.nii"), scalargray, 4).empty());
-  EXPECT_TRUE(said("  Wrong selected stack 4 from [1..3]! Create empty field."));
 }
 
 TEST_F(Nifti, BadHeadersGiveOneLineAndAnEmptyField) {
@@ -321,63 +228,6 @@ TEST_F(Nifti, ShortDataGivesAZeroFieldOfTheClaimedSizeOrNoneWhenItCannotBeHad) {
   EXPECT_EQ(fieldsize(field.f), (tnatvector{0, 0, 0}));
 }
 
-TEST_F(Nifti, PairsReadHeaderAndDataApartAlsoCompressed) {
-  tniftiheader h = header(2, 8, 2, 2, 1);
-  h.vox_offset = 0;
-  std::memcpy(h.magic, "ni1", 4);
-  const std::string hdr(reinterpret_cast<const char*>(&h), 348);
-  writebytes(path("p.hdr"), hdr);
-  writebytes(path("p.img"), "\x01\x02\x03\x04");
-  EXPECT_EQ(loadfile(path("p.img"), scalargray), (V{1, 2, 3, 4}));
-  EXPECT_EQ(loadfile(path("p.hdr"), scalargray), (V{1, 2, 3, 4}));
-  std::string packed;
-  ASSERT_TRUE(gzipcompress(hdr, packed));
-  writebytes(path("q.hdr.gz"), packed);
-  ASSERT_TRUE(gzipcompress("\x05\x06\x07\x08", packed));
-  writebytes(path("q.img.gz"), packed);
-  EXPECT_EQ(loadfile(path("q.img.gz"), scalargray), (V{5, 6, 7, 8}));
-
-  writebytes(path("r.hdr"), hdr);
-  EXPECT_EQ(loadfile(path("r.hdr"), scalargray), V(4, 0));
-  EXPECT_TRUE(said("  Couldn't read File (" + path("r.img") + ")! Create field without values."));
-}
-
-TEST_F(Nifti, HeaderPlacesFieldsBySformThenQuaternionThenPixdim) {
-  tniftiheader h = header(2, 8, 1, 1, 1);
-  h.pixdim[1] = 2, h.pixdim[2] = 3, h.pixdim[3] = 4;
-  const float sx[4] = {0, -2, 0, 10}, sy[4] = {3, 0, 0, 20}, sz[4] = {0, 0, 4, 30};
-  std::memcpy(h.srow_x, sx, 16), std::memcpy(h.srow_y, sy, 16), std::memcpy(h.srow_z, sz, 16);
-  h.sform_code = 1;
-  tspatial s = headerspace(h);
-  EXPECT_EQ(s.matrix, (trows{tvector{0, 3, 0}, tvector{-2, 0, 0}, tvector{0, 0, 4}}));
-  EXPECT_EQ(s.offset, (tvector{10, 20, 30}));
-
-  h.sform_code = 0, h.qform_code = 1;
-  h.quatern_b = 0, h.quatern_c = 0, h.quatern_d = static_cast<float>(std::sqrt(0.5));  // 90 degrees about z
-  h.qoffset_x = 1, h.qoffset_y = 2, h.qoffset_z = 3;
-  s = headerspace(h);
-  EXPECT_NEAR(s.matrix[0][1], 2, 1e-6);
-  EXPECT_NEAR(s.matrix[1][0], -3, 1e-6);
-  EXPECT_NEAR(s.matrix[2][2], 4, 1e-6);
-  EXPECT_EQ(s.offset, (tvector{1, 2, 3}));
-
-  h.qform_code = 0;
-  s = headerspace(h);
-  EXPECT_EQ(s.matrix, (trows{tvector{2, 0, 0}, tvector{0, 3, 0}, tvector{0, 0, 4}}));
-  EXPECT_EQ(s.offset, (tvector{0, 0, 0}));
-
-  h.sform_code = 1;
-  std::memset(h.srow_y, 0, 16);
-  std::memset(h.srow_x, 0, 16);
-  std::memset(h.srow_z, 0, 16);
-  h.srow_x[3] = 5;
-  s = headerspace(h);
-  EXPECT_EQ(s.matrix, (trows{tvector{2, 0, 0}, tvector{0, 3, 0}, tvector{0, 0, 4}})) << "a zero axis: pixdim";
-  EXPECT_EQ(s.offset, (tvector{5, 0, 0})) << "the offset stays";
-  h.pixdim[2] = -3;
-  EXPECT_EQ(headerspace(h).matrix, identityrows()) << "pixdim of no volume: identity";
-}
-
 // Other readers scale the third quaternion axis by qfac (pixdim[0]); files of this
 // program's users expect qform_code there.
 TEST_F(Nifti, DeviationQformCodeMultipliesTheThirdAxisInsteadOfQfac) {
@@ -398,40 +248,6 @@ TEST_F(Nifti, DeviationWrittenQuaternionUsesTheDiagonalProduct) {
   EXPECT_EQ(headerquaternion({tvector{-1, 0, 0}, tvector{0, 1, 0}, tvector{0, 0, 1}}), (tvector{1, 0, 0}))
       << "h = 0";
   EXPECT_EQ(headerquaternion({tvector{2, 0, 0}, tvector{0, 2, 0}, tvector{0, 0, 2}}), (tvector{0, 0, 0}));
-}
-
-TEST_F(Nifti, WrittenVolumesReadBackWithTheirPlaceInSpace) {
-  for (const char* name : {"w.nii", "w.nii.gz", "w.hdr"}) {
-    for (uint8_t kind : {scalargray, scalarfullgray}) {
-      tfield source;
-      fieldcreate(source.f, kind, {3, 2, 2});
-      for (int64_t i = 1; i <= 12; ++i) setvalue(source.f, (i - 1) % 3 + 1, (i - 1) / 3 % 2 + 1, (i - 1) / 6 + 1, i * 20);
-      setmatrix(source.f.space, {tvector{0, 2, 0}, tvector{-1.5, 0, 0}, tvector{0, 0.5, 3}});
-      setoffset(source.f.space, {-10, 20.5, 3});
-      printed([&] { EXPECT_TRUE(niftisave(source.f, utf16(path(name)))); });
-      EXPECT_EQ(loadfile(path(name), kind), source.values()) << name;
-      EXPECT_EQ(field.f.space.matrix, source.f.space.matrix) << name;
-      EXPECT_EQ(field.f.space.offset, source.f.space.offset) << name;
-    }
-  }
-  tniftiheader h;
-  ASSERT_TRUE(niftiheaderread(utf16(path("w.nii.gz")), h));
-  EXPECT_EQ(h.datatype, 512);
-  EXPECT_EQ(h.bitpix, 16);
-  EXPECT_EQ(h.vox_offset, 352);
-  EXPECT_EQ(std::string(h.magic), "n+1");
-  EXPECT_EQ(h.pixdim[1], 2);
-  EXPECT_EQ(h.pixdim[3], std::sqrt(9.25F));
-  EXPECT_EQ(h.qform_code, 1);
-  EXPECT_EQ(h.sform_code, 1);
-  EXPECT_EQ(h.xyzt_units, 10);
-  EXPECT_EQ(h.srow_x[1], -1.5F);
-  ASSERT_TRUE(niftiheaderread(utf16(path("w.img")), h));
-  EXPECT_EQ(std::string(h.magic), "ni1");
-  EXPECT_EQ(h.vox_offset, 0);
-  EXPECT_EQ(readbytes(path("w.hdr")).size(), 348u);
-  EXPECT_EQ(readbytes(path("w.img")).size(), 24u);
-  EXPECT_EQ(readbytes(path("w.nii")).size(), 352u + 24u);
 }
 
 // The mono payload is the packed bit store: in ".nii" (datatype 1, bitpix 1) the whole

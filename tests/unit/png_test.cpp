@@ -48,46 +48,6 @@ std::vector<Chunk> written(timagefield& f, const std::string& name) {
 
 }  // namespace
 
-TEST(PngWrite, IdatLengthFormula) {
-  EXPECT_EQ(pngidatlength(90300), 11 * 5 + 2 + 5 + 90300 + 4);
-  EXPECT_EQ(pngidatlength(8192), 5 + 2 + 8192 + 4);
-  EXPECT_EQ(pngidatlength(1), 2 + 5 + 1 + 4);
-}
-
-TEST(PngWrite, SmallImageIsOneIdatOfStoredBlocks) {
-  Field g(imagegray, 300, 300);
-  for (int64_t y = 1; y <= 300; ++y)
-    for (int64_t x = 1; x <= 300; ++x) setvalue(g, x, y, (x * 7 + y) % 256);
-  const std::vector<Chunk> cs = written(g, "g.png");
-  ASSERT_EQ(cs.size(), 3u);
-  EXPECT_EQ(cs[0].type, "IHDR");
-  EXPECT_EQ(cs[0].data, std::string("\0\0\x01\x2C\0\0\x01\x2C\x08\0\0\0\0", 13));
-  EXPECT_EQ(cs[1].type, "IDAT");
-  EXPECT_EQ(static_cast<int64_t>(cs[1].data.size()), pngidatlength(90300));
-  EXPECT_EQ(cs[1].data.substr(0, 2), "\x08\x1D");
-  EXPECT_EQ(cs[1].data.substr(2, 5), std::string("\0\0\x20\xFF\xDF", 5));  // stored, 8192 bytes, not final
-  EXPECT_EQ(cs[2].type, "IEND");
-  const std::string raw = inflated(cs, 90300);
-  EXPECT_EQ(raw[0], 0);
-  EXPECT_EQ(static_cast<uint8_t>(raw[1 + 10]), (11 * 7 + 1) % 256);
-  EXPECT_EQ(static_cast<uint8_t>(raw[301 * 2 + 1]), (7 + 3) % 256);
-  EXPECT_EQ(readbytes(path("g.png")).substr(readbytes(path("g.png")).size() - 4), "\xAE\x42\x60\x82");
-}
-
-TEST(PngWrite, LargeImageIsOneIdatARow) {
-  Field g(imagegray, 2000, 2000);
-  setvalue(g, 2000, 2000, 77);
-  const std::vector<Chunk> cs = written(g, "big.png");
-  ASSERT_EQ(cs.size(), 2002u);
-  EXPECT_EQ(cs[1].data.size(), 2u + 5 + 2001);     // the zlib header travels with the first row
-  EXPECT_EQ(cs[2].data.size(), 5u + 2001);
-  EXPECT_EQ(cs[2000].data.size(), 5u + 2001 + 4);  // the last holds the final block and the Adler-32
-  EXPECT_EQ(cs[2000].data[0], 1);
-  EXPECT_EQ(cs[1999].data[0], 0);
-  const std::string raw = inflated(cs, 2001 * 2000);
-  EXPECT_EQ(static_cast<uint8_t>(raw.back()), 77);
-}
-
 TEST(PngWrite, KindsDepthsAndSampleOrder) {
   Field w(imagefullgray, 1, 1), c(imagergb, 1, 1), a(imagergba, 1, 1), z(imagezrgb, 1, 1);
   setvalue(w, 1, 1, 0x1234);

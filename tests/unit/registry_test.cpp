@@ -8,15 +8,6 @@ void nothing(tscript&) {}
 void other(tscript&) {}
 }  // namespace
 
-TEST(Registry, PluralRuleFindsTheOtherNumberOfAWord) {
-  tscript s;
-  for (const char* name : {"image.size", "mesh.vertex", "leaf", "datum", "box", "city", "analysis", "knife"})
-    regproc(s, name, nothing);
-  for (const char* word : {"image.sizes", "mesh.vertexs", "leaves", "data", "boxes", "cities", "analyses", "knives"})
-    EXPECT_GE(lookup(s, word, tlookup::procedure), 0) << word;
-  EXPECT_LT(lookup(s, "image.sizez", tlookup::procedure), 0);
-}
-
 TEST(Registry, NewestWinsAndKindsAreKeptApart) {
   tscript s;
   regproc(s, "x", nothing);
@@ -36,29 +27,6 @@ TEST(Registry, DoubleMembersInOneScopeAreRefused) {
   EXPECT_EQ(s.members[0].handler1, nothing);
   EXPECT_TRUE(regscript(s, "twice", 2, kind_procedure, 7));  // a deeper scope may shadow it
   EXPECT_FALSE(regscript(s, "twice", 2, kind_procedure, 9));
-}
-
-TEST(Registry, PrefixAndBlanksShapeTheName) {
-  tscript s;
-  setprefix(s, "image.");
-  regproc(s, "Set Value", nothing);
-  clearprefix(s);
-  EXPECT_EQ(utf16toutf8(s.members[0].name), "image.set.value");
-}
-
-TEST(Variables, ScopesDieWithTheirLevelAndGlobalsStaySorted) {
-  tscript s;
-  setvar(s, "outer", "1");
-  s.level = 2;
-  setvar(s, "inner", "2");
-  setvar(s, "outer", "3");  // an existing name is written where it lives
-  setglobal(s, "g", "4", 1);
-  ASSERT_EQ(s.variables.size(), 3u);
-  EXPECT_EQ(s.variables[1].level, 1);  // placed between the levels
-  closelevel(s);
-  EXPECT_EQ(utf16toutf8(getvar(s, "outer")), "3");
-  EXPECT_EQ(hasvar(s, "inner"), -1);
-  EXPECT_EQ(utf16toutf8(getvar(s, "g")), "4");
 }
 
 TEST(Variables, ElementTargetsMergeIntoTheOldValue) {

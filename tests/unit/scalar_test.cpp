@@ -134,16 +134,6 @@ TEST(ScalarField, LabelsGrowWithinTheKindsRangeAndStarRepeatsTheOneBelow) {
             (std::vector<std::string>{"***** dump.labels *****", "  0: ", "  1: a", "***** dump.labels end *****"}));
 }
 
-TEST(ScalarField, NewFieldsStartWithoutLabelsAndWithTheNeutralFilter) {
-  tfield a(scalargray, {2, 2, 2});
-  setlabel(a.f, 1, "x");
-  setloadfilter(a.f, 5, -2);
-  fieldcreate(a.f, scalargray, {2, 2, 2});
-  EXPECT_EQ(labelcount(a.f), 0);
-  EXPECT_EQ(a.f.filteradd, 0);
-  EXPECT_EQ(a.f.filtermul, 1);
-}
-
 TEST(ScalarField, RemapAppliesTheTableToEveryVoxel) {
   tfield gray(scalargray, {2, 1, 1});
   setvalue(gray.f, 1, 1, 1, 3);

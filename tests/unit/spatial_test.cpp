@@ -11,8 +11,6 @@
 
 namespace {
 
-std::string text(const utf16& t) { return utf16toutf8(t); }
-
 // inverse * matrix is the identity, within rounding.
 void expectinverse(const tspatial& s) {
   for (int i = 0; i < 3; ++i)
@@ -25,14 +23,6 @@ void expectinverse(const tspatial& s) {
 
 void expectzeroinverse(const tspatial& s) {
   for (const tvector& row : s.inverse) EXPECT_EQ(row, (tvector{0, 0, 0}));
-}
-
-TEST(Spatial, DefaultsAreTheIdentityAtTheOrigin) {
-  const tspatial s{};
-  EXPECT_EQ(s.matrix, identityrows());
-  EXPECT_EQ(s.inverse, identityrows());
-  EXPECT_EQ(localtoglobal(s, {1, 1, 1}), (tvector{0, 0, 0}));
-  EXPECT_EQ(globaltolocal(s, {0, 0, 0}), (tnatvector{1, 1, 1}));
 }
 
 TEST(Spatial, LocalToGlobalAndBackRoundTripsThroughObliqueMatrices) {
@@ -67,32 +57,6 @@ TEST(Spatial, LocalToGlobalStepsAlongTheRows) {
   EXPECT_EQ(globaltolocal(s, {10, 21, 31.5}), (tnatvector{2, 1, 2}));
 }
 
-TEST(Spatial, EverySetterRenewsTheCaches) {
-  tspatial s{};
-  setoffset(s, {1, -2, 3});
-  EXPECT_EQ(s.negoffset, (tvector{-1, 2, -3}));
-  setmatrix(s, {tvector{1, 1, 0}, tvector{-1, 1, 0}, tvector{0, 0, 2}});
-  expectinverse(s);
-  setscale(s, {-2, 4, 0.5});
-  EXPECT_EQ(s.matrix, (trows{tvector{2, 0, 0}, tvector{0, 4, 0}, tvector{0, 0, 0.5}}));
-  expectinverse(s);
-  mulscale(s, {2, -3, 1});
-  EXPECT_EQ(s.offset, (tvector{2, 6, 3}));  // the signed factors move the offset
-  EXPECT_EQ(s.negoffset, (tvector{-2, -6, -3}));
-  EXPECT_EQ(s.matrix, (trows{tvector{2, 0, 0}, tvector{0, 3, 0}, tvector{0, 0, 1}}));
-  expectinverse(s);
-  setmatrix(s, {tvector{0, -3, 0}, tvector{4, 0, 0}, tvector{0, 0, -1}});
-  unflip(s);
-  EXPECT_EQ(s.matrix, (trows{tvector{0, 3, 0}, tvector{4, 0, 0}, tvector{0, 0, 1}}));
-  expectinverse(s);
-  unrotate(s);
-  EXPECT_EQ(s.matrix, (trows{tvector{3, 0, 0}, tvector{0, 4, 0}, tvector{0, 0, 1}}));
-  expectinverse(s);
-  centeroffset(s, {10, 20, 1}, -2.0);
-  EXPECT_EQ(s.offset, (tvector{-15, -40, -0.5}));
-  EXPECT_EQ(s.negoffset, (tvector{15, 40, 0.5}));
-}
-
 TEST(Spatial, ScalingKeepsSingularMatricesAndIgnoresTheZeroVector) {
   tspatial s{};
   setoffset(s, {5, 5, 5});
@@ -123,13 +87,6 @@ TEST(Spatial, AWrongMatrixIsRefusedWithTheIdentity) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_TRUE(std::signbit(s.matrix[0][0]));
   expectzeroinverse(s);
-}
-
-TEST(Spatial, MatrixTextAndScales) {
-  tspatial s{};
-  setmatrix(s, {tvector{3, 4, 0}, tvector{0, 0.5, 0}, tvector{-1, 0, 0}});
-  EXPECT_EQ(text(rowstext(s.matrix)), "(<3, 4, 0>;<0, 0.5, 0>;<-1, 0, 0>)");
-  EXPECT_EQ(axisscales(s), (tvector{5, 0.5, 1}));
 }
 
 TEST(Spatial, CenterRuleOfImagesAndVolumes) {

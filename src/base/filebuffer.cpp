@@ -1,10 +1,10 @@
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
 
 #include <algorithm>
 #include <cstring>
 #include <string>
 
-#include "formats/gzip.h"
+#include "base/gzip.h"
 #include "shell/console.h"
 #include "shell/files.h"
 

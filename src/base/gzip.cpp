@@ -1,4 +1,4 @@
-#include "formats/gzip.h"
+#include "base/gzip.h"
 
 #include <zlib.h>
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "formats/filebuffer.h"
+#include "base/filebuffer.h"
 
 struct tlinefile {
   tfilebuffer buffer{};  // line ends are zeroed, so each line is a zero-terminated text

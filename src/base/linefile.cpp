@@ -1,4 +1,4 @@
-#include "formats/linefile.h"
+#include "base/linefile.h"
 
 #include "shell/console.h"
 
