@@ -3,7 +3,7 @@
 #include "commands/diffusion_rows.h"
 #include "commands/workspace_handlers.h"
 #include "field/workspaces.h"
-#include "ops/slices.h"
+#include "commands/threads.h"
 #include "orientation/diffusion.h"
 #include "orientation/diffusiondiagnostics.h"
 #include "script/registry.h"
@@ -84,13 +84,13 @@ template <auto& W>
 std::span<const tcommand> settingrows() {
   using enum tcommandkind;
   static const tcommand rows[] = {
-      {"fullscan", k1, fullscancmd<W>, nullptr, "fullscan false // true: one too short scan line fails the voxel"},
-      {"submethod", k1, submethodcmd<W>, nullptr,
+      {"fullscan", procedure, fullscancmd<W>, nullptr, "fullscan false // true: one too short scan line fails the voxel"},
+      {"submethod", procedure, submethodcmd<W>, nullptr,
        "submethod 2 // line statistic: 0 sum, 1 mean, 2 SD, 3 min, 4 Q.25, 5 median, 6 Q.75, 7 max"},
-      {"diffusion.method", k1, methodcmd<W>, nullptr,
+      {"diffusion.method", procedure, methodcmd<W>, nullptr,
        "diffusion.method 5 // 1 brell2013, 2 brell2014a, 3 brell2014b, 4 brell2015a, 5 brell2015b, 6 brell2019"},
-      {"diffusion.angle", k1, anglecmd<W>, nullptr, "diffusion.angle 5° // half opening of the cone around the mean"},
-      {"diffusion.max", k1, maxcmd<W>, nullptr,
+      {"diffusion.angle", procedure, anglecmd<W>, nullptr, "diffusion.angle 5° // half opening of the cone around the mean"},
+      {"diffusion.max", procedure, maxcmd<W>, nullptr,
        "diffusion.max 25% // no orientation if at least this part of all directions ties"},
   };
   return rows;
@@ -98,25 +98,25 @@ std::span<const tcommand> settingrows() {
 
 using enum tcommandkind;
 const tcommand scalarrows[] = {
-    {"diffusion", k1, diffusioncmd<1, false>, nullptr, "diffusion 16 // vector field of the most homogeneous scan lines, radius 16"},
-    {"diffusion.x2", k1, diffusioncmd<2, false>, nullptr, "diffusion.x2 16 // the same on every 2nd voxel: field of half size"},
-    {"diffusion.x3", k1, diffusioncmd<3, false>, nullptr, "diffusion.x3 16 // every 3rd voxel"},
-    {"diffusion.x4", k1, diffusioncmd<4, false>, nullptr, "diffusion.x4 16 // every 4th voxel"},
-    {"diffusion.x5", k1, diffusioncmd<5, false>, nullptr, "diffusion.x5 16 // every 5th voxel"},
-    {"diffusion.adaptive.x2", k1, diffusioncmd<2, true>, nullptr,
+    {"diffusion", procedure, diffusioncmd<1, false>, nullptr, "diffusion 16 // vector field of the most homogeneous scan lines, radius 16"},
+    {"diffusion.x2", procedure, diffusioncmd<2, false>, nullptr, "diffusion.x2 16 // the same on every 2nd voxel: field of half size"},
+    {"diffusion.x3", procedure, diffusioncmd<3, false>, nullptr, "diffusion.x3 16 // every 3rd voxel"},
+    {"diffusion.x4", procedure, diffusioncmd<4, false>, nullptr, "diffusion.x4 16 // every 4th voxel"},
+    {"diffusion.x5", procedure, diffusioncmd<5, false>, nullptr, "diffusion.x5 16 // every 5th voxel"},
+    {"diffusion.adaptive.x2", procedure, diffusioncmd<2, true>, nullptr,
      "diffusion.adaptive.x2 16 // as x2, and if fails for subpixels the neighbours are tried"},
-    {"diffusion.adaptive.x3", k1, diffusioncmd<3, true>, nullptr, "diffusion.adaptive.x3 16 // as x3, adaptive"},
-    {"diffusion.adaptive.x4", k1, diffusioncmd<4, true>, nullptr, "diffusion.adaptive.x4 16 // as x4, adaptive"},
-    {"diffusion.adaptive.x5", k1, diffusioncmd<5, true>, nullptr, "diffusion.adaptive.x5 16 // as x5, adaptive"},
-    {"diffusion.dump", k1, diagnosticcmd<diffusiondump>, nullptr,
+    {"diffusion.adaptive.x3", procedure, diffusioncmd<3, true>, nullptr, "diffusion.adaptive.x3 16 // as x3, adaptive"},
+    {"diffusion.adaptive.x4", procedure, diffusioncmd<4, true>, nullptr, "diffusion.adaptive.x4 16 // as x4, adaptive"},
+    {"diffusion.adaptive.x5", procedure, diffusioncmd<5, true>, nullptr, "diffusion.adaptive.x5 16 // as x5, adaptive"},
+    {"diffusion.dump", procedure, diagnosticcmd<diffusiondump>, nullptr,
      "diffusion.dump \"scan.txt\" 16 <0, 0, 0> <0, 0, 0> // every scan line of one voxel as text (centre + offset)"},
-    {"diffusion.map", k1, diagnosticcmd<diffusionmap>, nullptr,
+    {"diffusion.map", procedure, diagnosticcmd<diffusionmap>, nullptr,
      "diffusion.map \"map.pgm\" 16 <0, 0, 0> <-3, -3, -3> // 2 SD of each direction as an image of the sphere"},
-    {"diffusion.colormap", k1, diagnosticcmd<diffusioncolormap>, nullptr,
+    {"diffusion.colormap", procedure, diagnosticcmd<diffusioncolormap>, nullptr,
      "diffusion.colormap \"map.ppm\" 16 // mean (red) and 2 SD (blue) of each direction, also as -mean. and -sd."},
-    {"diffusion.histogram", k1, sweepcmd<diffusionhistogram>, nullptr,
+    {"diffusion.histogram", procedure, sweepcmd<diffusionhistogram>, nullptr,
      "diffusion.histogram \"chart.svg\" <0, 0, 0> // number of best directions for each scan size"},
-    {"diffusion.sd", k1, sweepcmd<diffusionsd>, nullptr,
+    {"diffusion.sd", procedure, sweepcmd<diffusionsd>, nullptr,
      "diffusion.sd \"chart.svg\" <0, 0, 0> // lowest and highest mean and SD of the line windows by size"},
 };
 

@@ -2,6 +2,7 @@
 #include "commands/vectorfile_rows.h"
 #include "field/workspaces.h"
 #include "formats/scalarfile.h"
+#include "formats/vectorfile.h"
 #include "formats/vectornifti.h"
 #include "script/registry.h"
 #include "script/values.h"
@@ -44,15 +45,15 @@ void infocmd(tscript& s) {
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    {"load", k1, loadcmd, nullptr, "load \"name\" // vector field by extension (nii, nii.gz, hdr, img)"},
-    {"load.nii", k1, loadniftcmd, nullptr, "load.nii \"name\" // NIfTI-1 vector field in one file"},
-    {"loadnii", k1, loadniftcmd, nullptr, ""},
-    {"load.nii.gz", k1, loadniftcmd, nullptr, "load.nii.gz \"name\" // NIfTI-1 vector field, gzip compressed"},
-    {"loadnii.gz", k1, loadniftcmd, nullptr, ""},
-    {"load.properties", k1, propertiescmd, nullptr, "load.properties \"name\" // only offset and matrix of the file"},
-    {"append", k1, appendcmd, nullptr, "append \"name\" // merge a file into the field through global space"},
-    {"save", k1, savecmd, nullptr, "save \"name\" <1, 1, 1> // nii, nii.gz, hdr; optional scale of each component"},
-    {"info", k1, infocmd, nullptr, "info \"name\" \"out.txt\" // header as text, to the log or into a file"},
+    {"load", procedure, loadcmd, nullptr, "load \"name\" // vector field by extension (nii, nii.gz, hdr, img)"},
+    {"load.nii", procedure, loadniftcmd, nullptr, "load.nii \"name\" // NIfTI-1 vector field in one file"},
+    {"loadnii", procedure, loadniftcmd, nullptr, ""},
+    {"load.nii.gz", procedure, loadniftcmd, nullptr, "load.nii.gz \"name\" // NIfTI-1 vector field, gzip compressed"},
+    {"loadnii.gz", procedure, loadniftcmd, nullptr, ""},
+    {"load.properties", procedure, propertiescmd, nullptr, "load.properties \"name\" // only offset and matrix of the file"},
+    {"append", procedure, appendcmd, nullptr, "append \"name\" // merge a file into the field through global space"},
+    {"save", procedure, savecmd, nullptr, "save \"name\" <1, 1, 1> // nii, nii.gz, hdr; optional scale of each component"},
+    {"info", procedure, infocmd, nullptr, "info \"name\" \"out.txt\" // header as text, to the log or into a file"},
 };
 
 }  // namespace

@@ -8,22 +8,17 @@
 #include <string>
 #include <type_traits>
 
-#include "formats/filebuffer.h"
-#include "formats/gzip.h"
+#include "base/filebuffer.h"
+#include "base/gzip.h"
 #include "formats/nifti.h"
 #include "formats/niftiheader.h"
 #include "formats/niftiraw.h"
+#include "formats/voxelsource.h"
 #include "script/values.h"
 #include "shell/console.h"
 #include "shell/files.h"
 
 namespace {
-
-bool oneof(const utf16& ext, std::initializer_list<const char*> words) {
-  for (const char* w : words)
-    if (equalutf8(ext, w)) return true;
-  return false;
-}
 
 // ---- writing ---------------------------------------------------------------------------
 
@@ -328,60 +323,4 @@ bool vectorniftiload(tvectorfield& f, uint8_t kind, const utf16& name) {
     readplanes(f, src, code, swap, label);
   takespace(f, h);
   return finish(true);
-}
-
-bool vectorload(tvectorfield& f, uint8_t kind, const utf16& name) {
-  const utf16 ext = lower(fileextension(name));
-  if (oneof(ext, {"nii", "hdr", "img", "nii.gz", "hdr.gz", "img.gz"})) return vectorniftiload(f, kind, name);
-  println("Not provided!");
-  return false;
-}
-
-bool vectorsave(const tvectorfield& f, const utf16& name, const tvector& scale) {
-  if (empty(name)) return false;
-  const utf16 ext = lower(fileextension(name));
-  if (oneof(ext, {"hdr", "nii", "nii.gz"})) return vectorniftisave(f, name, scale);
-  println("Not provided!");
-  return false;
-}
-
-bool vectorloadproperties(tvectorfield& f, const utf16& name) {
-  tniftiheader h;
-  if (empty(name) || !niftiheaderread(name, h)) return false;
-  if (h.dim[1] + h.dim[2] + h.dim[3] + h.dim[4] <= 0) return false;
-  const tspatial s = headerspace(h);
-  setmatrix(f.space, s.matrix);
-  setoffset(f.space, s.offset);
-  for (const utf16& line : transformationlines(f.space, true)) println(line);
-  return true;
-}
-
-void vectorappend(tvectorfield& f, const utf16& name) {
-  if (empty(name)) return;
-  tvectorfield source{};
-  vectorload(source, f.kind ? f.kind : uint8_t{vectorfloat}, name);
-  const tnatvector s = fieldsize(source);
-  eachstorage(f, [&](auto& to) {
-    eachstorage(source, [&](const auto& from) {
-      using C = typename std::remove_cvref_t<decltype(to)>::elementtype::value_type;
-      for (int64_t z = 1; z <= s[2]; ++z) {
-        for (int64_t y = 1; y <= s[1]; ++y)
-          for (int64_t x = 1; x <= s[0]; ++x) {
-            const tvector g = localtoglobal(source.space, {double(x), double(y), double(z)});
-            const tnatvector q = globaltolocal(f.space, g);
-            if (!to.inside(q[0], q[1], q[2])) continue;
-            const auto fresh = from.get(x, y, z);
-            auto old = to.get(q[0], q[1], q[2]);
-            const bool none = old[0] == 0 && old[1] == 0 && old[2] == 0;
-            for (int c = 0; c < 3; ++c)
-              old[c] = toelement<C>(none ? static_cast<double>(fresh[c])
-                                         : (static_cast<double>(old[c]) + static_cast<double>(fresh[c])) / 2);
-            to.put(q[0], q[1], q[2], old);
-          }
-        progress("  Merging", static_cast<double>(z) / static_cast<double>(s[2]));
-      }
-      progressend();
-    });
-  });
-  fieldrelease(source);
 }

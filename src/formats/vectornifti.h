@@ -15,14 +15,3 @@ bool vectorniftisave(const tvectorfield& f, const utf16& name, const tvector& sc
 // The field made anew in kind from the file; every failure is one line and an empty or
 // zero field. True when voxels were read.
 bool vectorniftiload(tvectorfield& f, uint8_t kind, const utf16& name);
-
-// By the lower-cased extension: the NIfTI forms; other formats are not in this build
-// ("Not provided!").
-bool vectorload(tvectorfield& f, uint8_t kind, const utf16& name);
-bool vectorsave(const tvectorfield& f, const utf16& name, const tvector& scale);
-
-// Offset and matrix from the file's header alone.
-bool vectorloadproperties(tvectorfield& f, const utf16& name);
-// The file merged into f through global space: the new vector where f has none, else the
-// mean of both.
-void vectorappend(tvectorfield& f, const utf16& name);

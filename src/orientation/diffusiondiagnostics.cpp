@@ -8,7 +8,8 @@
 #include <vector>
 
 #include "field/imagefield.h"
-#include "formats/filebuffer.h"
+#include "field/owned.h"
+#include "base/filebuffer.h"
 #include "formats/imagefile.h"
 #include "orientation/scan.h"
 #include "orientation/scanwalk.h"
@@ -118,18 +119,17 @@ bool diffusiondump(const tscalarfield& f, int64_t r, const tnatvector& p, const 
 
 bool diffusionmap(const tscalarfield& f, int64_t r, const tnatvector& p, const utf16& name) {
   const auto lines = rawlines(f, r, p);
-  timagefield img{}, low{};
+  tlocalfield<timagefield> image, lowdepth;
+  timagefield &img = *image, &low = *lowdepth;
   mapimage(img, lines, r, twosd);
   mapimage(low, lines, r, [](const std::vector<int64_t>& v) { return std::min<int64_t>(twosd(v), 255); }, imagegray);
-  const bool ok = imagesave(img, name) && imagesave(low, withsuffix(name, "-low."));
-  fieldrelease(img);
-  fieldrelease(low);
-  return ok;
+  return imagesave(img, name) && imagesave(low, withsuffix(name, "-low."));
 }
 
 bool diffusioncolormap(const tscalarfield& f, int64_t r, const tnatvector& p, const utf16& name) {
   const auto lines = rawlines(f, r, p);
-  timagefield means{}, sds{}, colour{};
+  tlocalfield<timagefield> meanimage, sdimage, colourimage;
+  timagefield &means = *meanimage, &sds = *sdimage, &colour = *colourimage;
   mapimage(means, lines, r, mean);
   mapimage(sds, lines, r, twosd);
   const tnatvector n = fieldsize(means);
@@ -137,12 +137,8 @@ bool diffusioncolormap(const tscalarfield& f, int64_t r, const tnatvector& p, co
   for (int64_t y = 1; y <= n[1]; ++y)
     for (int64_t x = 1; x <= n[0]; ++x)
       setrgb(colour, x, y, {std::min<int64_t>(getvalue(means, x, y), 255), 0, std::min<int64_t>(getvalue(sds, x, y), 255)});
-  const bool ok = imagesave(means, withsuffix(name, "-mean.")) && imagesave(sds, withsuffix(name, "-sd.")) &&
-                  imagesave(colour, name);
-  fieldrelease(means);
-  fieldrelease(sds);
-  fieldrelease(colour);
-  return ok;
+  return imagesave(means, withsuffix(name, "-mean.")) && imagesave(sds, withsuffix(name, "-sd.")) &&
+         imagesave(colour, name);
 }
 
 void diffusionhistogram(const tscalarfield& f, const tnatvector& p) {
