@@ -2,6 +2,7 @@
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/vector_rows.h"
+#include "commands/vectorfile_rows.h"
 #include "field/workspaces.h"
 
 namespace {
@@ -40,6 +41,7 @@ tcommandfamily vectorcommands() {
                                                                     workspacerows<vectorworkspace>(),
                                                                     vectorrows,
                                                                     spatialrows<vectorworkspace>(),
+                                                                    vectorfilerows(),
                                                                     vectoroprows(),
                                                                     vectorderiverows(),
                                                                     vectorfieldrows(),
