@@ -20,21 +20,24 @@ bool surfacerange(tscript& s, int64_t& lo, int64_t& hi, int64_t defaultlo, int64
   return true;
 }
 
-template <tcornertest test>
+// The `colored` forms take each face's colour from the current vector field.
+template <tcornertest test, bool colored = false>
 void surfacecmd(tscript& s) {
   int64_t lo, hi;
   if (!surfacerange(s, lo, hi, 128, test == tcornertest::weak ? 128 : 65535)) return;
   const tscalarfield& f = currentfield(scalarworkspace);
   warnnegativematrix(f);
-  marchingsurface(currentfield(meshworkspace), f, test, lo, hi, threadlimit(s));
+  marchingsurface(currentfield(meshworkspace), f, test, lo, hi, threadlimit(s),
+                  colored ? &currentfield(vectorworkspace) : nullptr);
 }
 
+template <bool colored = false>
 void cubecmd(tscript& s) {
   int64_t lo, hi;
   if (!surfacerange(s, lo, hi, 128, 65535)) return;
   const tscalarfield& f = currentfield(scalarworkspace);
   warnnegativematrix(f);
-  cubesurface(currentfield(meshworkspace), f, lo, hi);
+  cubesurface(currentfield(meshworkspace), f, lo, hi, colored ? &currentfield(vectorworkspace) : nullptr);
 }
 
 using enum tcommandkind;
@@ -45,7 +48,14 @@ const tcommand rows[] = {
      "smoothsurface <128, 65535> // the same on the local density of the range"},
     {"weaksurface", procedure, surfacecmd<tcornertest::weak>, nullptr,
      "weaksurface 128 // the same for the voxels of at least the value"},
-    {"cube", procedure, cubecmd, nullptr, "cube <128, 65535> // the visible faces of the voxels in the range as quads"},
+    {"cube", procedure, cubecmd<>, nullptr, "cube <128, 65535> // the visible faces of the voxels in the range as quads"},
+    {"surface.color", procedure, surfacecmd<tcornertest::range, true>, nullptr,
+     "surface.color <128, 65535> // the same, each face coloured by the vector field's vector / 255"},
+    {"smoothsurface.color", procedure, surfacecmd<tcornertest::smooth, true>, nullptr,
+     "smoothsurface.color <128, 65535> // the same, coloured by the vector field"},
+    {"weaksurface.color", procedure, surfacecmd<tcornertest::weak, true>, nullptr,
+     "weaksurface.color 128 // the same, coloured by the vector field"},
+    {"cube.color", procedure, cubecmd<true>, nullptr, "cube.color <128, 65535> // the same, coloured by the vector field"},
 };
 
 }  // namespace

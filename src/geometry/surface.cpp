@@ -52,13 +52,27 @@ struct tskipgrid {
 
 struct ttriangle {
   std::array<tvector, 3> p, n;
+  tvector color;
 };
+
+// The vector of voxel (x, y, z) / 255 as a colour; black outside or without a field.
+tvector colorat(const tvectorfield* v, int64_t x, int64_t y, int64_t z) {
+  tvector c{0, 0, 0};
+  if (!v) return c;
+  eachstorage(*v, [&](const auto& a) {
+    if (!a.inside(x, y, z)) return;
+    const auto e = a.get(a.index(x, y, z));
+    for (int i = 0; i < 3; ++i) c[i] = static_cast<double>(e[i]) / 255;
+  });
+  return c;
+}
 
 template <tcornertest test, class A>
 struct tmarcher {
   tsampler<A> s;
   const tspatial& space;
   double low, high;
+  const tvectorfield* colors;
   const tcubetables& tables = cubetables();
 
   bool invalue(int64_t w) const {
@@ -125,18 +139,19 @@ struct tmarcher {
       normal[e] = normalised(added(localtoglobal(space, added(p, g)), scaled(global[e], -1)));
     }
     const auto& row = tables.tritable[index];
+    const tvector color = colorat(colors, x, y, z);
     for (int i = 0; i < 15 && row[i] >= 0; i += 3) {
       const int e1 = row[i], e2 = row[i + 1], e3 = row[i + 2];
       if (lattice[e1] == lattice[e2] || lattice[e2] == lattice[e3] || lattice[e1] == lattice[e3]) continue;
-      out.push_back({{global[e3], global[e2], global[e1]}, {normal[e3], normal[e2], normal[e1]}});
+      out.push_back({{global[e3], global[e2], global[e1]}, {normal[e3], normal[e2], normal[e1]}, color});
     }
   }
 };
 
 template <tcornertest test, class A>
-void march(tmesh& m, const tscalarfield& f, const A& a, double low, double high, int64_t threads) {
+void march(tmesh& m, const tscalarfield& f, const A& a, double low, double high, int64_t threads, const tvectorfield* colors) {
   const tnatvector size = fieldsize(f);
-  tmarcher<test, A> marcher{{a, size[0], size[1], size[2]}, f.space, low, high};
+  tmarcher<test, A> marcher{{a, size[0], size[1], size[2]}, f.space, low, high, colors};
   tskipgrid grid(size);
   for (int64_t z = 1; z <= size[2]; ++z) {
     progress("Precalculation", static_cast<double>(z) / size[2]);
@@ -169,7 +184,7 @@ void march(tmesh& m, const tscalarfield& f, const A& a, double low, double high,
       },
       [&](int64_t z, std::vector<ttriangle>& out) {
         progress("Calculate surface", static_cast<double>(z) / size[2]);
-        for (const ttriangle& t : out) addtriangle(m, t.p, t.n, {0, 0, 0});
+        for (const ttriangle& t : out) addtriangle(m, t.p, t.n, t.color);
       });
   progressend();
 }
@@ -186,14 +201,17 @@ void warnnegativematrix(const tscalarfield& f) {
       }
 }
 
-void marchingsurface(tmesh& m, const tscalarfield& f, tcornertest test, double low, double high, int64_t threads) {
+void marchingsurface(tmesh& m, const tscalarfield& f, tcornertest test, double low, double high, int64_t threads,
+                     const tvectorfield* colors) {
   const tnatvector size = fieldsize(f);
   if (!size[0] || !size[1] || !size[2]) return;
+  const tnatvector vsize = colors ? fieldsize(*colors) : tnatvector{0, 0, 0};
+  if (!vsize[0] || !vsize[1] || !vsize[2]) colors = nullptr;  // no vectors: the plain surface
   eachstorage(f, [&](const auto& a) {
     switch (test) {
-      case tcornertest::weak: march<tcornertest::weak>(m, f, a, low, high, threads); break;
-      case tcornertest::range: march<tcornertest::range>(m, f, a, low, high, threads); break;
-      case tcornertest::smooth: march<tcornertest::smooth>(m, f, a, low, high, threads); break;
+      case tcornertest::weak: march<tcornertest::weak>(m, f, a, low, high, threads, colors); break;
+      case tcornertest::range: march<tcornertest::range>(m, f, a, low, high, threads, colors); break;
+      case tcornertest::smooth: march<tcornertest::smooth>(m, f, a, low, high, threads, colors); break;
     }
   });
 }
@@ -201,7 +219,7 @@ void marchingsurface(tmesh& m, const tscalarfield& f, tcornertest test, double l
 namespace {
 
 template <class A>
-void cubes(tmesh& m, const tscalarfield& f, const A& a, double low, double high) {
+void cubes(tmesh& m, const tscalarfield& f, const A& a, double low, double high, const tvectorfield* colors) {
   const tnatvector size = fieldsize(f);
   const tsampler<A> s{a, size[0], size[1], size[2]};
   auto in = [&](int64_t x, int64_t y, int64_t z) {
@@ -234,7 +252,7 @@ void cubes(tmesh& m, const tscalarfield& f, const A& a, double low, double high)
         for (const tside& sd : sides) {
           if (in(x + sd.step[0], y + sd.step[1], z + sd.step[2])) continue;
           addquad(m, {corner[sd.corners[0]], corner[sd.corners[1]], corner[sd.corners[2]], corner[sd.corners[3]]},
-                  {sd.normal, sd.normal, sd.normal, sd.normal}, {0, 0, 0});
+                  {sd.normal, sd.normal, sd.normal, sd.normal}, colorat(colors, x, y, z));
         }
       }
   }
@@ -243,8 +261,10 @@ void cubes(tmesh& m, const tscalarfield& f, const A& a, double low, double high)
 
 }  // namespace
 
-void cubesurface(tmesh& m, const tscalarfield& f, double low, double high) {
+void cubesurface(tmesh& m, const tscalarfield& f, double low, double high, const tvectorfield* colors) {
   const tnatvector size = fieldsize(f);
   if (!size[0] || !size[1] || !size[2]) return;
-  eachstorage(f, [&](const auto& a) { cubes(m, f, a, low, high); });
+  const tnatvector vsize = colors ? fieldsize(*colors) : tnatvector{0, 0, 0};
+  if (!vsize[0] || !vsize[1] || !vsize[2]) colors = nullptr;
+  eachstorage(f, [&](const auto& a) { cubes(m, f, a, low, high, colors); });
 }

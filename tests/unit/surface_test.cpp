@@ -121,8 +121,17 @@ TEST(Surface, TouchingVoxelsShareNoCubeFace) {
   tvolumefixture v({4, 4, 4});
   setvalue(v.f, 2, 2, 2, 200);
   setvalue(v.f, 3, 2, 2, 200);
-  cubesurface(v.m, v.f, 128, 65535);
+  tvectorfield colors{};
+  fieldcreate(colors, vectorrgb, {4, 4, 4});
+  colors.rgb.put(colors.rgb.index(3, 2, 2), {255, 0, 51});
+  cubesurface(v.m, v.f, 128, 65535, &colors);
+  fieldrelease(colors);
   EXPECT_EQ(v.m.faces.length, 10);
+  EXPECT_EQ(v.m.faces.get(1).color[0], 0.0);  // the first voxel has no vector: black
+  const auto c = v.m.faces.get(10).color;      // the last face is the second voxel's
+  EXPECT_EQ(c[0], 1.0);
+  EXPECT_EQ(c[2], 0.2);
+  EXPECT_EQ(c[3], 1.0);
   EXPECT_EQ(v.m.points.length, 16);  // the gaps keep the two cubes apart
   EXPECT_FALSE(v.m.trianglesonly);
 }
