@@ -210,7 +210,7 @@ void runscript(tscript& s, bool needmembers) {
   s.level = 0;
   s.blocknames.clear();
   s.prefix.clear();
-  std::erase_if(s.members, [](const tmember& m) { return m.level >= 1; });
+  dropmembers(s, 1);
   std::erase_if(s.variables, [](const tvariable& v) { return v.level >= 1; });
   s.modulestart.clear();
   s.modulelevel.clear();

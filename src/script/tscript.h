@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "script/linestore.h"
+#include "script/memberindex.h"
 #include "script/utf16.h"
 #include "shell/files.h"
 
@@ -68,7 +69,8 @@ struct tscript {
   utf16field result;
   utf16field keyword;
 
-  std::vector<tmember> members;
+  std::vector<tmember> members;  // changed only through the registry, which keeps the index
+  tmemberindex memberindex;
   std::vector<int64_t> modulestart, modulelevel;
   std::vector<tvariable> variables;
   std::vector<utf16> withnames;

@@ -17,10 +17,6 @@ size_t firstoflevel(const tscript& s, int64_t level) {
   return static_cast<size_t>(at - s.variables.begin());
 }
 
-bool ismembername(const tscript& s, const utf16& name) {
-  return std::any_of(s.members.begin(), s.members.end(), [&](const tmember& m) { return equal(m.name, name); });
-}
-
 // Tab-separated elements of a value; an empty value has one (empty) element.
 std::vector<utf16> elements(const utf16& value) {
   std::vector<utf16> out;
@@ -80,7 +76,7 @@ namespace {
 bool assignable(tscript& s, utf16& key, utf16& text) {
   elementtarget(s, key, text);
   key = variablename(key);
-  if (!ismembername(s, key)) return true;
+  if (!ismember(s, key)) return true;
   reporterror(s, utf16("overloaded identifier: ") + key);
   return false;
 }
@@ -118,7 +114,7 @@ int64_t hasvar(const tscript& s, const utf16& name) { return findvariable(s, var
 void closelevel(tscript& s) {
   const int64_t l = s.level;
   if (l <= 0) return;  // level 0 holds the built-ins and the start variables
-  std::erase_if(s.members, [l](const tmember& m) { return m.level >= l; });
+  dropmembers(s, l);
   s.modulestart.clear();
   s.modulelevel.clear();
   s.variables.resize(firstoflevel(s, l));
