@@ -32,6 +32,11 @@ bool matchesat(const utf16& needle, const utf16& hay, size_t at) {
 
 utf16 utf16fromutf8(std::string_view s) {
   utf16 v;
+  if (std::all_of(s.begin(), s.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+    v.lo.assign(s);
+    v.hi.assign(s.size(), '\0');
+    return v;
+  }
   v.lo.reserve(s.size());
   v.hi.reserve(s.size());
   size_t i = 0;
@@ -221,11 +226,12 @@ utf16 lower(const utf16& v) { return changecase(v, 'A', 'Z', 'a' - 'A'); }
 utf16 upper(const utf16& v) { return changecase(v, 'a', 'z', 'A' - 'a'); }
 
 utf16 replacechar(const utf16& v, uint16_t a, uint16_t b) {
-  utf16 out;
-  const int64_t n = length(v);
-  for (int64_t i = 1; i <= n; ++i) {
-    const uint16_t c = charat(v, i);
-    push(out, c == a ? b : c);
+  utf16 out = v;
+  for (size_t i = 0; i < out.lo.size(); ++i) {
+    if (static_cast<uint8_t>(out.lo[i]) == (a & 0xFF) && static_cast<uint8_t>(out.hi[i]) == (a >> 8)) {
+      out.lo[i] = static_cast<char>(b & 0xFF);
+      out.hi[i] = static_cast<char>(b >> 8);
+    }
   }
   return out;
 }

@@ -35,22 +35,24 @@ tscantext scantext(const utf16& text, bool units) {
   static constexpr uint16_t degree = 0x00B0, pi = 0x03C0;
   tscantext t;
   const int64_t n = length(text);
-  for (int64_t i = 1; i <= n; ++i) {
-    const uint16_t c = charat(text, i);
-    std::string piece;
-    if (units && c == degree) {
-      piece = unitconstant("*0.01745329251994329509");
-    } else if (units && c == '%') {
-      piece = unitconstant("*0.01");
-    } else if (units && c == pi) {
-      piece = unitconstant("3.141592653589793116");
-    } else if (c > 255) {
-      piece = std::string(1, foreign);
-    } else {
-      piece = std::string(1, static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c));
-    }
+  t.chars.reserve(static_cast<size_t>(n));
+  t.consumed.reserve(static_cast<size_t>(n));
+  auto add = [&t](std::string_view piece, int64_t i) {
     t.chars += piece;
     t.consumed.insert(t.consumed.end(), piece.size(), i);
+  };
+  for (int64_t i = 1; i <= n; ++i) {
+    const uint16_t c = charat(text, i);
+    if (units && c == degree) {
+      add(unitconstant("*0.01745329251994329509"), i);
+    } else if (units && c == '%') {
+      add(unitconstant("*0.01"), i);
+    } else if (units && c == pi) {
+      add(unitconstant("3.141592653589793116"), i);
+    } else {
+      t.chars.push_back(c > 255 ? foreign : static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c));
+      t.consumed.push_back(i);
+    }
   }
   return t;
 }

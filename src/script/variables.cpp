@@ -8,7 +8,10 @@
 
 namespace {
 
-utf16 variablename(const utf16& name) { return lower(replacechar(name, ' ', '.')); }
+utf16 variablename(const utf16& name) {
+  const bool plain = std::none_of(name.lo.begin(), name.lo.end(), [](char c) { return c == ' ' || (c >= 'A' && c <= 'Z'); });
+  return plain ? name : lower(replacechar(name, ' ', '.'));
+}
 
 // Index of the first variable of `level` or above; the list is ordered by level.
 size_t firstoflevel(const tscript& s, int64_t level) {
