@@ -23,5 +23,6 @@ struct tnameequal {
 
 struct tmemberindex {
   std::unordered_map<utf16, std::vector<int64_t>, tnamehash, tnameequal> chains;
-  int64_t highestlevel = 0;  // no member has a higher level (a bound, not always reached)
+  int64_t highestlevel = 0;
+  int64_t revision = 0;  // counts the changes of the member list  // no member has a higher level (a bound, not always reached)
 };

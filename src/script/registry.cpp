@@ -97,6 +97,7 @@ bool addmember(tscript& s, const utf16& name, uint8_t kind, thandler h1, thandle
   m.bodyline = bodyline;
   s.memberindex.chains[full].push_back(static_cast<int64_t>(s.members.size()));
   s.memberindex.highestlevel = std::max(s.memberindex.highestlevel, level);
+  ++s.memberindex.revision;
   s.members.push_back(std::move(m));
   return true;
 }
@@ -148,6 +149,7 @@ void dropmembers(tscript& s, int64_t level) {
     if (chain->second.empty()) index.chains.erase(chain);
   }
   std::erase_if(s.members, [level](const tmember& m) { return m.level >= level; });
+  ++index.revision;
   for (auto i = static_cast<size_t>(from); i < s.members.size(); ++i)
     index.chains[s.members[i].name].push_back(static_cast<int64_t>(i));
   index.highestlevel = std::max<int64_t>(level - 1, 0);

@@ -111,12 +111,31 @@ bool nestedtoodeep(const tscript& s) {
   return s.level > maxlevel || deepstack;
 }
 
-// The line cut into its first word (lower case) and the rest, with the one-line forms applied.
-void cutstatement(const tframe& frame, const utf16& text, utf16& keyword, utf16& rest, bool onelineforms) {
-  rest = text;
+// The line cut into its first word (lower case) and the rest; false for a line without a
+// statement. A loop reads the same lines again and again, so the cut is kept per line as long
+// as the store is unchanged; a line hook may change the store at any time, and so gets none.
+bool readstatement(tscript& s, int64_t line, utf16& keyword, utf16& rest) {
+  tstatementcache& cache = s.cache;
+  const bool cacheable = s.store.revision != 0 && !s.linehook;
+  if (cacheable && cache.storerevision != s.store.revision) {
+    cache.storerevision = s.store.revision;
+    cache.lines.assign(static_cast<size_t>(linecount(s.store)) + 1, tpreparedline());
+  }
+  if (cacheable && line < static_cast<int64_t>(cache.lines.size()) && cache.lines[static_cast<size_t>(line)].ready) {
+    const tpreparedline& p = cache.lines[static_cast<size_t>(line)];
+    keyword = p.keyword;
+    rest = p.rest;
+    return !empty(keyword) || !empty(rest);
+  }
+  rest = preparedline(s, line);
+  const bool statement = !empty(rest);
   keyword = lower(cutword(rest, " "));
   rest = longfield(trimblanks(rest));
-  if (onelineforms && !empty(rest)) onelineform(frame, keyword, rest);
+  if (cacheable && line < static_cast<int64_t>(cache.lines.size())) {
+    tpreparedline& p = cache.lines[static_cast<size_t>(line)];
+    p = {true, keyword, rest};
+  }
+  return statement;
 }
 
 int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
@@ -131,12 +150,11 @@ int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
     if (line >= linecount(s.store) || s.halted) return line;
     if (s.linehook) s.linehook(s.store);
     s.line = ++line;
-    const utf16 text = preparedline(s, line);
-    if (empty(text) && storefile < 0) continue;
+    utf16 keyword, rest;
+    if (!readstatement(s, line, keyword, rest) && storefile < 0) continue;
     s.target.clear();
     s.result.clear();
-    utf16 keyword, rest;
-    cutstatement(frame, text, keyword, rest, storefile < 0);
+    if (storefile < 0 && !empty(rest)) onelineform(frame, keyword, rest);
     s.keyword.set(keyword);
     if (equalutf8(keyword, "halt")) {
       splitparams(s, rest);

@@ -5,6 +5,7 @@
 
 #include "script/linestore.h"
 #include "script/memberindex.h"
+#include "script/statementcache.h"
 #include "script/utf16.h"
 #include "shell/files.h"
 
@@ -93,6 +94,7 @@ struct tscript {
   std::vector<uint8_t> rawparamkinds;
   utf16 paramtext;              // the text of the last split, for the raw split on demand
   bool rawparamsready = false;
+  tstatementcache cache;
 
   bool debug = true;           // echo of statements and syntax repair
   bool repairallowed = true;   // the repair dialogue may open

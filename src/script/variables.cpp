@@ -219,8 +219,8 @@ uint16_t closer(uint16_t open) {
   }
 }
 
-// One split of the statement text into words with kinds; raw = < and > protect nothing.
-void split(tscript& s, utf16 text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+// The statement text cut into words with kinds; raw = < and > protect nothing.
+void cutwords(const tscript& s, utf16 text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
   words.clear();
   kinds.clear();
   for (;;) {
@@ -256,6 +256,37 @@ void split(tscript& s, utf16 text, bool raw, std::vector<utf16>& words, std::vec
     words.push_back(celfromutf16(word));
     kinds.push_back(kind);
   }
+}
+
+// The cut depends on the text and the members; the number settings change what "#", "$" and
+// "%" words give, so texts with those are cut each time.
+void cachedcutwords(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+  tstatementcache& cache = s.cache;
+  const bool cacheable = text.lo.find_first_of("#$%") == std::string::npos;
+  if (!cacheable) {
+    cutwords(s, text, raw, words, kinds);
+    return;
+  }
+  if (cache.memberrevision != s.memberindex.revision) {
+    cache.memberrevision = s.memberindex.revision;
+    cache.cuts[0].clear();
+    cache.cuts[1].clear();
+  }
+  auto& cuts = cache.cuts[raw ? 1 : 0];
+  const auto hit = cuts.find(text);
+  if (hit != cuts.end()) {
+    words = hit->second.words;
+    kinds = hit->second.kinds;
+    return;
+  }
+  cutwords(s, text, raw, words, kinds);
+  if (cuts.size() >= 4096) cuts.clear();  // a bound for scripts that make ever new texts
+  cuts.emplace(text, tcutwords{words, kinds});
+}
+
+// One split of the statement text into words with kinds, each word then substituted.
+void split(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+  cachedcutwords(s, text, raw, words, kinds);
   for (size_t i = 0; i < words.size() && !s.halted; ++i) {
     utf16& w = words[i];
     if (empty(w)) continue;
