@@ -1,9 +1,15 @@
-// The statement loop on a macro of a million lines, and the load of a gzip macro.
+// The statement loop on a macro of a million lines, the load of a gzip macro, and loop shapes
+// next to the same loops in tclsh, with the ratio printed at the end (tclsh must be on PATH).
 // Reports lines per second and megabytes per second; the console goes to /dev/null.
+// VOXMILL_LOOP_PASSES sets the passes of the shapes (default 1000000).
 #include <benchmark/benchmark.h>
 
+#include <sys/resource.h>
+
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
+#include <map>
 #include <string>
 
 #include "commands/commandtable.h"
@@ -73,6 +79,106 @@ void BM_LoadGzipMacro(benchmark::State& state) {
 }
 BENCHMARK(BM_LoadGzipMacro)->Unit(benchmark::kMillisecond);
 
+// One loop shape in both languages; {n} stands for the number of passes.
+struct tshape {
+  const char* name;
+  const char* macro;
+  const char* tcl;
+};
+
+constexpr tshape shapes[] = {
+    {"assign", "a := 0\nfor {n}\n  a += a 1\nend\n",
+     "set a 0\nfor {set i 1} {$i <= {n}} {incr i} {set a [expr {$a + 1}]}\n"},
+    {"if", "a := 0\nfor {n}\n  if for.count\n  then a += a 1\nend\n",
+     "set a 0\nfor {set i 1} {$i <= {n}} {incr i} {if {$i} {set a [expr {$a + 1}]}}\n"},
+    {"procedure", "a := 0\nprocedure step\n  a += a 1\nend\nfor {n}\n  step\nend\n",
+     "set a 0\nproc step {} {global a; set a [expr {$a + 1}]}\nfor {set i 1} {$i <= {n}} {incr i} {step}\n"},
+    {"list.push", "for {n}\n  list.push for.count\nend\n",
+     "set l {}\nfor {set i 1} {$i <= {n}} {incr i} {lappend l $i}\n"},
+};
+
+int64_t passes() {
+  const char* text = std::getenv("VOXMILL_LOOP_PASSES");
+  const int64_t n = text ? std::atoll(text) : 0;
+  return n > 0 ? n : 1'000'000;
+}
+
+std::string withpasses(std::string text) {
+  const std::string n = std::to_string(passes());
+  for (size_t at; (at = text.find("{n}")) != std::string::npos;) text.replace(at, 3, n);
+  return text;
+}
+
+std::map<std::string, std::pair<double, double>>& seconds() {  // shape: voxmill, tclsh
+  static std::map<std::string, std::pair<double, double>> table;
+  return table;
+}
+
+// Processor seconds of this process or of its finished children: other jobs on the machine
+// stretch the wall clock, not these.
+double cpuseconds(int who) {
+  rusage usage{};
+  getrusage(who, &usage);
+  auto secs = [](const timeval& v) { return static_cast<double>(v.tv_sec) + static_cast<double>(v.tv_usec) * 1e-6; };
+  return secs(usage.ru_utime) + secs(usage.ru_stime);
+}
+
+void BM_Shape(benchmark::State& state, const tshape& shape) {
+  const std::string path = writetemp(std::string(shape.name) + ".macro", "debug.no\n" + withpasses(shape.macro));
+  std::FILE* saved = stdout;
+  std::FILE* sink = std::fopen("/dev/null", "w");
+  stdout = sink;
+  for (auto _ : state) {
+    tscript s;
+    registerallcommands(s);
+    load(s.store, utf16(path));
+    const double from = cpuseconds(RUSAGE_SELF);
+    runscript(s);
+    seconds()[shape.name].first = cpuseconds(RUSAGE_SELF) - from;
+  }
+  std::fflush(sink);
+  stdout = saved;
+  std::fclose(sink);
+  state.counters["passes/s"] = benchmark::Counter(static_cast<double>(passes()), benchmark::Counter::kIsIterationInvariantRate);
+}
+
+void BM_ShapeTclsh(benchmark::State& state, const tshape& shape) {
+  const std::string path = writetemp(std::string(shape.name) + ".tcl", withpasses(shape.tcl));
+  for (auto _ : state) {
+    const double from = cpuseconds(RUSAGE_CHILDREN);
+    if (std::system(("tclsh " + path + " > /dev/null 2>&1").c_str()) != 0) state.SkipWithError("tclsh failed");
+    seconds()[shape.name].second = cpuseconds(RUSAGE_CHILDREN) - from;
+  }
+}
+
+void registershapes() {
+  for (const tshape& shape : shapes) {
+    benchmark::RegisterBenchmark(("BM_Loop/" + std::string(shape.name)).c_str(), BM_Shape, shape)
+        ->Unit(benchmark::kMillisecond)->Iterations(1);
+    benchmark::RegisterBenchmark(("BM_LoopTclsh/" + std::string(shape.name)).c_str(), BM_ShapeTclsh, shape)
+        ->Unit(benchmark::kMillisecond)->Iterations(1);
+  }
+}
+
+void printratios() {
+  if (seconds().empty()) return;
+  std::printf("\n%-10s %12s %12s %8s   (processor time per pass, %lld passes; ratio > 1: voxmill slower)\n", "shape", "voxmill us", "tclsh us",
+              "ratio", static_cast<long long>(passes()));
+  for (const auto& [name, pair] : seconds()) {
+    const double n = static_cast<double>(passes());
+    std::printf("%-10s %12.3f %12.3f %8.2f\n", name.c_str(), pair.first / n * 1e6, pair.second / n * 1e6,
+                pair.second > 0 ? pair.first / pair.second : 0.0);
+  }
+}
+
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  registershapes();
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  printratios();
+  return 0;
+}

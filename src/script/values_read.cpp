@@ -70,6 +70,7 @@ bool inrun(char c) {
 
 // Cuts the number run off the front of the text; leading words and brackets go with it.
 std::string cutrun(utf16& text, bool units) {
+  if (empty(text)) return std::string();
   const tscantext t = scantext(text, units);
   const std::string& s = t.chars;
   size_t from = 0;
@@ -164,6 +165,7 @@ double comparison(double left, char op, std::string_view& s) {
 
 double runvalue(const std::string& run) {
   double value = 0;
+  if (run.empty()) return 0;  // a missing component
   if (convert(run, value)) return value;
   return expression(rewrite(run));
 }
