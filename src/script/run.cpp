@@ -2,7 +2,9 @@
 
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <string_view>
 
 #include "script/frame.h"
 #include "script/registry.h"
@@ -51,6 +53,13 @@ bool isassignment(const utf16& rest) {
   return blank > 1 && charat(rest, blank - 1) == '=';
 }
 
+// The word begins with the ASCII text: the same test as pos(text, word) = 1, without making
+// a text of the literal on every statement.
+bool startsascii(const utf16& word, std::string_view text) {
+  if (!word.lo.starts_with(text)) return false;
+  return std::all_of(word.hi.begin(), word.hi.begin() + static_cast<long>(text.size()), [](char c) { return c == 0; });
+}
+
 void callstatement(tscript& s, const utf16& keyword, const utf16& rest) {
   splitparams(s, rest);
   if (s.halted) return;
@@ -66,7 +75,7 @@ void callstatement(tscript& s, const utf16& keyword, const utf16& rest) {
 void dispatch(tscript& s, tframe& frame, const utf16& keyword) {
   if (tkeywordaction action = findkeyword(keyword)) {
     action(s, frame);
-  } else if (pos("var", keyword) == 1 || pos("local", keyword) == 1 || pos("global", keyword) == 1) {
+  } else if (startsascii(keyword, "var") || startsascii(keyword, "local") || startsascii(keyword, "global")) {
     varstatement(s, keyword, frame.rest);
   } else if (isassignment(frame.rest)) {
     assignment(s, keyword, frame.rest);

@@ -108,6 +108,9 @@ utf16 celfromutf16(const utf16& v) { return length(v) <= cellmax ? v : copy(v, 1
 bool equal(const utf16& a, const utf16& b) { return a.lo == b.lo && a.hi == b.hi; }
 
 bool equalutf8(const utf16& a, std::string_view s) {
+  // No character takes less than one byte, so a longer text never equals; the statement
+  // loop's many keyword tests mostly end here.
+  if (a.lo.size() > s.size()) return false;
   // Fast path for the ASCII keywords the statement loop compares with.
   if (std::all_of(s.begin(), s.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
     return a.lo == s && a.hi.find_first_not_of('\0') == std::string::npos && a.hi.size() == a.lo.size();

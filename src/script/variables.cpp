@@ -104,7 +104,9 @@ void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level)
 }
 
 void newlocal(tscript& s, const utf16& name, const utf16& value) {
-  s.variables.push_back({celfromutf16(variablename(name)), celfromutf16(value), s.level + 1});
+  utf16 key = variablename(name);
+  if (length(key) > cellmax) key = copy(key, 1, cellmax);
+  s.variables.push_back({std::move(key), celfromutf16(value), s.level + 1});
 }
 
 utf16 getvar(const tscript& s, const utf16& name) {
