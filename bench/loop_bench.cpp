@@ -6,7 +6,9 @@
 
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <cstdlib>
 #include <fstream>
 #include <map>
@@ -84,6 +86,7 @@ struct tshape {
   const char* name;
   const char* macro;
   const char* tcl;
+  int64_t files = 0;  // > 0: the shape walks a folder of that many files, one pass each
 };
 
 constexpr tshape shapes[] = {
@@ -95,7 +98,20 @@ constexpr tshape shapes[] = {
      "set a 0\nproc step {} {global a; set a [expr {$a + 1}]}\nfor {set i 1} {$i <= {n}} {incr i} {step}\n"},
     {"list.push", "for {n}\n  list.push for.count\nend\n",
      "set l {}\nfor {set i 1} {$i <= {n}} {incr i} {lappend l $i}\n"},
+    {"io.files", "io.files.new \"{dir}/*\"\nfor io.files.length\n  name := io.files.get\n  io.files.next\nend\n",
+     "foreach f [lsort [glob {dir}/*]] {set name $f}\n", 10'000},
 };
+
+const char* const filesdir = "/tmp/voxmill-bench-files";
+
+// The folder of empty files that the io.files shape walks, made once.
+void makefiles(int64_t count) {
+  std::filesystem::create_directories(filesdir);
+  for (int64_t i = 0; i < count; ++i) {
+    const std::string path = std::string(filesdir) + "/f" + std::to_string(100000 + i) + ".txt";
+    if (!std::filesystem::exists(path)) std::ofstream{path};
+  }
+}
 
 int64_t passes() {
   const char* text = std::getenv("VOXMILL_LOOP_PASSES");
@@ -103,14 +119,23 @@ int64_t passes() {
   return n > 0 ? n : 1'000'000;
 }
 
-std::string withpasses(std::string text) {
-  const std::string n = std::to_string(passes());
+int64_t passes(const tshape& shape) { return shape.files > 0 ? shape.files : passes(); }
+
+std::string filledin(std::string text, const tshape& shape) {
+  const std::string n = std::to_string(passes(shape));
   for (size_t at; (at = text.find("{n}")) != std::string::npos;) text.replace(at, 3, n);
+  for (size_t at; (at = text.find("{dir}")) != std::string::npos;) text.replace(at, 5, filesdir);
+  if (shape.files > 0) makefiles(shape.files);
   return text;
 }
 
-std::map<std::string, std::pair<double, double>>& seconds() {  // shape: voxmill, tclsh
-  static std::map<std::string, std::pair<double, double>> table;
+struct tmeasure {
+  double voxmill = 0, tclsh = 0;
+  int64_t passes = 0;
+};
+
+std::map<std::string, tmeasure>& seconds() {
+  static std::map<std::string, tmeasure> table;
   return table;
 }
 
@@ -124,7 +149,7 @@ double cpuseconds(int who) {
 }
 
 void BM_Shape(benchmark::State& state, const tshape& shape) {
-  const std::string path = writetemp(std::string(shape.name) + ".macro", "debug.no\n" + withpasses(shape.macro));
+  const std::string path = writetemp(std::string(shape.name) + ".macro", "debug.no\n" + filledin(shape.macro, shape));
   std::FILE* saved = stdout;
   std::FILE* sink = std::fopen("/dev/null", "w");
   stdout = sink;
@@ -134,7 +159,8 @@ void BM_Shape(benchmark::State& state, const tshape& shape) {
     load(s.store, utf16(path));
     const double from = cpuseconds(RUSAGE_SELF);
     runscript(s);
-    seconds()[shape.name].first = cpuseconds(RUSAGE_SELF) - from;
+    seconds()[shape.name].voxmill = cpuseconds(RUSAGE_SELF) - from;
+    seconds()[shape.name].passes = passes(shape);
   }
   std::fflush(sink);
   stdout = saved;
@@ -143,11 +169,11 @@ void BM_Shape(benchmark::State& state, const tshape& shape) {
 }
 
 void BM_ShapeTclsh(benchmark::State& state, const tshape& shape) {
-  const std::string path = writetemp(std::string(shape.name) + ".tcl", withpasses(shape.tcl));
+  const std::string path = writetemp(std::string(shape.name) + ".tcl", filledin(shape.tcl, shape));
   for (auto _ : state) {
     const double from = cpuseconds(RUSAGE_CHILDREN);
     if (std::system(("tclsh " + path + " > /dev/null 2>&1").c_str()) != 0) state.SkipWithError("tclsh failed");
-    seconds()[shape.name].second = cpuseconds(RUSAGE_CHILDREN) - from;
+    seconds()[shape.name].tclsh = cpuseconds(RUSAGE_CHILDREN) - from;
   }
 }
 
@@ -162,12 +188,12 @@ void registershapes() {
 
 void printratios() {
   if (seconds().empty()) return;
-  std::printf("\n%-10s %12s %12s %8s   (processor time per pass, %lld passes; ratio > 1: voxmill slower)\n", "shape", "voxmill us", "tclsh us",
-              "ratio", static_cast<long long>(passes()));
-  for (const auto& [name, pair] : seconds()) {
-    const double n = static_cast<double>(passes());
-    std::printf("%-10s %12.3f %12.3f %8.2f\n", name.c_str(), pair.first / n * 1e6, pair.second / n * 1e6,
-                pair.second > 0 ? pair.first / pair.second : 0.0);
+  std::printf("\n%-10s %9s %12s %12s %8s   (processor time per pass; ratio > 1: voxmill slower)\n", "shape", "passes",
+              "voxmill us", "tclsh us", "ratio");
+  for (const auto& [name, m] : seconds()) {
+    const double n = static_cast<double>(std::max<int64_t>(m.passes, 1));
+    std::printf("%-10s %9lld %12.3f %12.3f %8.2f\n", name.c_str(), static_cast<long long>(m.passes), m.voxmill / n * 1e6,
+                m.tclsh / n * 1e6, m.tclsh > 0 ? m.voxmill / m.tclsh : 0.0);
   }
 }
 
