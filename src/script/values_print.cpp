@@ -156,7 +156,11 @@ utf16 natlisttext(std::span<const int64_t> values, bool full) {
 }
 
 utf16 vectortext(const tvector& v) { return reallisttext(v, false); }
-utf16 hypertext(const thyper& h) { return reallisttext(h, false); }
+utf16 hypertext(const thyper& h) {
+  // One component prints as the plain number, without the list's machinery.
+  if (h[1] == 0 && h[2] == 0 && h[3] == 0) return realtext(h[0]);
+  return reallisttext(h, false);
+}
 utf16 fullvectortext(const tvector& v) { return reallisttext(v, true); }
 utf16 fullhypertext(const thyper& h) { return reallisttext(h, true); }
 

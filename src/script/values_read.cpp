@@ -1,4 +1,5 @@
 // Reading numbers from text, and the language's one expression evaluator.
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -241,7 +242,24 @@ std::array<T, N> readeach(utf16 text, Reader read) {
 
 }  // namespace
 
+namespace {
+
+// A plain integer, the most common value of all, read without the scanner; the same
+// conversion as the scanner's for the same run.
+bool plaininteger(const utf16& text, double& value) {
+  const std::string& s = text.lo;
+  const size_t digits = !s.empty() && s[0] == '-' ? 1 : 0;
+  if (digits == s.size() || s.size() > 30) return false;
+  if (!std::all_of(s.begin() + static_cast<long>(digits), s.end(), isdecimal)) return false;
+  if (text.hi.find_first_not_of('\0') != std::string::npos) return false;
+  return convert(s, value);
+}
+
+}  // namespace
+
 double textreal(const utf16& text) {
+  double value = 0;
+  if (plaininteger(text, value)) return value;
   utf16 t = text;
   return cutreal(t);
 }
@@ -251,8 +269,16 @@ int64_t textnat(const utf16& text) {
   return cutnat(t);
 }
 
-tvector textvector(const utf16& text) { return readeach<double, 3>(text, cutreal); }
-thyper texthyper(const utf16& text) { return readeach<double, 4>(text, cutreal); }
+tvector textvector(const utf16& text) {
+  double value = 0;
+  if (plaininteger(text, value)) return {value, 0, 0};
+  return readeach<double, 3>(text, cutreal);
+}
+thyper texthyper(const utf16& text) {
+  double value = 0;
+  if (plaininteger(text, value)) return {value, 0, 0, 0};
+  return readeach<double, 4>(text, cutreal);
+}
 tcomplex textcomplex(const utf16& text) { return readeach<double, 2>(text, cutreal); }
 tnatvector textnatvector(const utf16& text) { return readeach<int64_t, 3>(text, cutnat); }
 tnathyper textnathyper(const utf16& text) { return readeach<int64_t, 4>(text, cutnat); }
