@@ -102,6 +102,16 @@ bool addmember(tscript& s, const utf16& name, uint8_t kind, thandler h1, thandle
   return true;
 }
 
+// What a call needs of a member, copied: a handler may register members and so move the list.
+struct tcallee {
+  utf16 name;
+  uint8_t kind;
+  thandler handler1, handler2;
+  int64_t bodyline;
+};
+
+tcallee callee(const tmember& m) { return {m.name, m.kind, m.handler1, m.handler2, m.bodyline}; }
+
 void report(tscript& s, const utf16& text) {
   println(text);
   s.lasterror.set(text);
@@ -178,14 +188,13 @@ void callproc(tscript& s, int64_t line, const utf16& name) {
   while (hit < 0 && repair(s, shown)) hit = lookup(s, shown, tlookup::procedure);
   if (hit >= 0) {
     s.undo.push_back(shown);
-    if (s.undo.size() > 100) s.undo.erase(s.undo.begin());
+    if (s.undo.size() > 100) s.undo.pop_front();
   }
   if (hit < 0) {
     if (!s.halted) reportunknown(s, shown, "procedure");
     return;
   }
-  // Copies: a handler may register members and so move the list.
-  const tmember m = s.members[static_cast<size_t>(hit)];
+  const tcallee m = callee(s.members[static_cast<size_t>(hit)]);
   if (lownibble(m.kind) == kind_block) {
     if (!m.handler1 || !m.handler2 || m.bodyline != 0) {
       reportunknown(s, shown, "block");
@@ -221,7 +230,7 @@ void callfunc(tscript& s, const utf16& name) {
     reportunknown(s, s.target.get() + " := " + name, "function");
     return;
   }
-  const tmember m = s.members[static_cast<size_t>(hit)];
+  const tcallee m = callee(s.members[static_cast<size_t>(hit)]);
   if (m.bodyline == 0 && m.handler1) {
     echofunction(s, m.name);
     m.handler1(s);

@@ -1,6 +1,7 @@
 // The script engine object: lines, variables, syntax members and open output files.
 #pragma once
 #include <cstdint>
+#include <deque>
 #include <vector>
 
 #include "script/linestore.h"
@@ -80,7 +81,8 @@ struct tscript {
 
   int64_t level = 0;
   std::vector<utf16> blocknames;
-  std::vector<utf16> redo, undo;
+  std::vector<utf16> redo;
+  std::deque<utf16> undo;  // the last 100 procedure names called: the oldest goes at each call
   bool running = false;
   bool halted = false;
   int64_t parallelpart = 0, paralleltotal = 0;
