@@ -15,13 +15,12 @@
 #include "script/variables.h"
 #include "shell/console.h"
 #include "shell/files.h"
+#include "shell/firstrun.h"
 #include "shell/options.h"
 
 tscript script;
 
 namespace {
-
-const char* const firstruntext = "This is your first run of the program, please specify the file voxmill.macro!";
 
 // One layer of double quotes, then one of single quotes, off both ends.
 utf16 stripquotes(const utf16& name) {
@@ -108,15 +107,6 @@ void commandlinevariables() {
   if (!empty(last)) setvarquiet(script, "parameter.last", last);
 }
 
-void writeexample() {
-  tfile f;
-  if (writefile(f, "voxmill.macro", true)) {
-    for (const std::string& line : examplemacro(utf16toutf8(options.versiontext))) writetext(f, line + "\n");
-    closefile(f);
-  }
-  println(firstruntext);
-}
-
 }  // namespace
 
 int runprogram(int argc, char** argv) {
@@ -136,7 +126,7 @@ int runprogram(int argc, char** argv) {
   if (!first && fileexists(macrofile)) {
     load(script.store, macrofile);
   } else {
-    writeexample();
+    writefirstmacro(examplemacro(utf16toutf8(options.versiontext)));
   }
   runscript(script);
   workspacerelease(tableworkspace);
