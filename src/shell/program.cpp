@@ -107,6 +107,13 @@ void commandlinevariables() {
   if (!empty(last)) setvarquiet(script, "parameter.last", last);
 }
 
+// After the help of "-h WORD": the documentation of the commands whose names contain WORD.
+void listcommands(const std::string& word) {
+  printlnempty();
+  println("Commands with \"" + word + "\":");
+  for (const std::string& line : commandsmatching(word)) println(line);
+}
+
 }  // namespace
 
 int runprogram(int argc, char** argv) {
@@ -116,6 +123,7 @@ int runprogram(int argc, char** argv) {
   utf16 macro;
   declareoptions(first, macro);
   helpfooter(options, "voxmill -image.input=*.ppm -image.type=png");
+  if (options.showhelp && !empty(options.helpword)) listcommands(utf16toutf8(options.helpword));
   commandlinevariables();
   finish(options);
   setvarquiet(script, "thread.max", utf16(std::to_string(std::max(1u, std::thread::hardware_concurrency()))));
