@@ -35,7 +35,7 @@ double now() {
   return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
 }
 
-[[noreturn]] void childmain(const tchildlimits& limits, const std::function<bool(tchildoutput&)>& work, int fd) {
+[[noreturn]] void childmain(const tchildlimits& limits, const std::function<bool(tchildoutput&)>& work, int fd, int alive) {
   const int null = open("/dev/null", O_RDWR);
   for (int stream = 0; stream < 3 && null >= 0; ++stream) dup2(null, stream);
   // A crash must not spend seconds writing a core file.
@@ -55,8 +55,17 @@ double now() {
   } catch (...) {
     ok = false;
   }
+  // The size of the answer is the child's last word: without it there is none.
+  const int64_t size = out.data ? out.size : 0;
+  if (write(alive, &size, sizeof size) != static_cast<ssize_t>(sizeof size)) ok = false;
   _exit(ok ? 0 : 1);
 }
+
+// The shared memory is kept from one run to the next up to this size: its pages are then
+// there already and the child need not have them cleared again.
+constexpr int64_t keptshared = int64_t{64} << 20;
+int sharedfile = -1;
+int64_t sharedsize = 0;
 
 }  // namespace
 
@@ -64,8 +73,9 @@ uint8_t* childreserve(tchildoutput& out, int64_t bytes) {
   if (out.data) munmap(out.data, static_cast<size_t>(out.size));
   out.data = nullptr;
   out.size = 0;
-  if (bytes < 1 || ftruncate(out.fd, bytes) != 0) return nullptr;
-  void* p = mmap(nullptr, static_cast<size_t>(bytes), PROT_READ | PROT_WRITE, MAP_SHARED, out.fd, 0);
+  struct stat st{};
+  if (bytes < 1 || fstat(out.fd, &st) != 0 || (st.st_size < bytes && ftruncate(out.fd, bytes) != 0)) return nullptr;
+  void* p = mmap(nullptr, static_cast<size_t>(bytes), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_POPULATE, out.fd, 0);
   if (p == MAP_FAILED) return nullptr;
   out.data = static_cast<uint8_t*>(p);
   out.size = bytes;
@@ -74,34 +84,34 @@ uint8_t* childreserve(tchildoutput& out, int64_t bytes) {
 
 tchildanswer::~tchildanswer() {
   if (data) munmap(const_cast<uint8_t*>(data), static_cast<size_t>(size));
+  if (sharedfile >= 0 && sharedsize > keptshared) {
+    if (ftruncate(sharedfile, 0) == 0) sharedsize = 0;
+  }
 }
 
 tchildend childrun(const tchildlimits& limits, const std::function<bool(tchildoutput&)>& work, tchildanswer& answer) {
-  const int shared = memfd_create("voxmill-child", MFD_CLOEXEC);
-  if (shared < 0) return tchildend::failed;
+  if (sharedfile < 0) sharedfile = memfd_create("voxmill-child", MFD_CLOEXEC);
+  if (sharedfile < 0) return tchildend::failed;
   // The end of the child is seen as the end of this pipe; programs the child starts do not
   // hold it, as it closes on exec.
   int alive[2];
-  if (pipe2(alive, O_CLOEXEC) != 0) {
-    close(shared);
-    return tchildend::failed;
-  }
+  if (pipe2(alive, O_CLOEXEC) != 0) return tchildend::failed;
   // Text still buffered would otherwise be written twice should the child flush it.
   flushconsole();
   const pid_t pid = fork();
   if (pid == 0) {
     close(alive[0]);
     setpgid(0, 0);
-    childmain(limits, work, shared);
+    childmain(limits, work, sharedfile, alive[1]);
   }
   close(alive[1]);
   if (pid < 0) {
     close(alive[0]);
-    close(shared);
     return tchildend::failed;
   }
   const double deadline = now() + limits.seconds;
   bool timedout = false;
+  int64_t size = 0, got = 0;
   for (;;) {
     const double left = deadline - now();
     if (left <= 0) {
@@ -111,8 +121,9 @@ tchildend childrun(const tchildlimits& limits, const std::function<bool(tchildou
     pollfd p{alive[0], POLLIN, 0};
     const int n = poll(&p, 1, static_cast<int>(left * 1000) + 1);
     if (n > 0) {
-      char c;
-      if (read(alive[0], &c, 1) <= 0) break;
+      const ssize_t r = read(alive[0], reinterpret_cast<char*>(&size) + got, sizeof size - static_cast<size_t>(got));
+      if (r <= 0) break;
+      got += r;
     } else if (n < 0 && errno != EINTR) {
       break;
     }
@@ -125,19 +136,21 @@ tchildend childrun(const tchildlimits& limits, const std::function<bool(tchildou
   int status = 0;
   while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
   }
-  tchildend end = timedout ? tchildend::timeout
-                  : WIFEXITED(status) ? (WEXITSTATUS(status) == 0 ? tchildend::done : tchildend::failed)
-                                      : tchildend::crashed;
-  if (end == tchildend::done || end == tchildend::failed) {
-    struct stat st{};
-    void* p = fstat(shared, &st) == 0 && st.st_size > 0
-                  ? mmap(nullptr, static_cast<size_t>(st.st_size), PROT_READ, MAP_SHARED, shared, 0)
-                  : MAP_FAILED;
+  const tchildend end = timedout ? tchildend::timeout
+                        : WIFEXITED(status) ? (WEXITSTATUS(status) == 0 ? tchildend::done : tchildend::failed)
+                                            : tchildend::crashed;
+  struct stat st{};
+  if (fstat(sharedfile, &st) != 0) st.st_size = 0;
+  const bool answered =
+      (end == tchildend::done || end == tchildend::failed) && got == sizeof size && size > 0 && size <= st.st_size;
+  if (answered) {
+    void* p = mmap(nullptr, static_cast<size_t>(size), PROT_READ, MAP_SHARED | MAP_POPULATE, sharedfile, 0);
     if (p != MAP_FAILED) {
       answer.data = static_cast<const uint8_t*>(p);
-      answer.size = st.st_size;
+      answer.size = size;
     }
   }
-  close(shared);
+  // A large answer gives its memory back once it is read (see ~tchildanswer).
+  sharedsize = st.st_size;
   return end;
 }

@@ -1,5 +1,6 @@
 #include "formats/imagelibchild.h"
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -11,6 +12,7 @@
 
 #include "field/memory.h"
 #include "formats/imagecodec.h"
+#include "formats/imagelibs.h"
 #include "formats/sniff.h"
 #include "shell/console.h"
 #include "shell/files.h"
@@ -114,6 +116,16 @@ uint8_t* timagechild::rows(int64_t w, int64_t h, int channels, int samplebytes) 
   return out.data + headbytes;
 }
 
+bool librariesasked(uint8_t kind, const utf16& name) {
+  if ((!freeimage.enabled && !imagemagick.enabled) || !fileexists(name)) return false;
+  const int fd = open(systempath(name).c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return true;
+  uint8_t head[256];
+  const ssize_t got = pread(fd, head, sizeof head, 0);
+  close(fd);
+  return got <= 0 || !plainpnm(head, got, kind);
+}
+
 bool isolatedload(timagefield& f, const utf16& name, const char* label,
                   const std::function<bool(timagechild&)>& decode) {
   const std::string path = systempath(name);
@@ -121,10 +133,11 @@ bool isolatedload(timagefield& f, const utf16& name, const char* label,
   if (size <= 0) return false;
   tsniff sniff;
   {
-    tfile file;
-    if (!readfile(file, name, true)) return false;
-    void* map = mmap(nullptr, static_cast<size_t>(size), PROT_READ, MAP_PRIVATE, fileno(file.handle), 0);
-    closefile(file);
+    // Libraries see the file by its name; the program only looks at its header here.
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return false;
+    void* map = mmap(nullptr, static_cast<size_t>(size), PROT_READ, MAP_PRIVATE, fd, 0);
+    close(fd);
     if (map == MAP_FAILED) return false;
     sniff = sniffimage(static_cast<const uint8_t*>(map), size, utf16toutf8(lower(fileextension(name))));
     munmap(map, static_cast<size_t>(size));

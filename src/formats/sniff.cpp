@@ -3,6 +3,7 @@
 #include <cstring>
 #include <utility>
 
+#include "field/imagefield.h"
 #include "field/memory.h"
 
 namespace {
@@ -216,4 +217,15 @@ tsniff sniffimage(const uint8_t* bytes, int64_t size, std::string_view extension
   if (size >= 3 && b.u8(0) == 0xFF && b.u8(1) == 0xD8 && b.u8(2) == 0xFF) return jpeg(b);
   if (extension == "tga" || extension == "targa") return tga(b);
   return {};
+}
+
+bool plainpnm(const uint8_t* bytes, int64_t size, uint8_t kind) {
+  const tbytes b{bytes, size};
+  const bool gray = b.starts("P5"), colour = b.starts("P6");
+  if (!(gray || colour) || b.u8(2) > 32) return false;
+  // Gray from colour and widened 16-bit samples follow rules of their own here.
+  if (!(gray && kind == imagegray) && !((gray || colour) && colourkind(kind))) return false;
+  tpnmtokens t{b};
+  int64_t w, h, maxval;
+  return t.number(w) && t.number(h) && t.number(maxval) && maxval == 255;
 }

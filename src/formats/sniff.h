@@ -19,3 +19,7 @@ tsniff sniffimage(const uint8_t* bytes, int64_t size, std::string_view extension
 // At most this many pixels pass, whatever the file: four bytes each must fit a quarter of
 // the memory (the library, its converted copy and the field each hold one).
 int64_t sniffpixellimit();
+
+// True for a binary PNM (P5, or P6 into colour) of maxval 255: the own reader gives the same
+// pixels as the libraries, only sooner. kind: the image storage kind it is read into.
+bool plainpnm(const uint8_t* bytes, int64_t size, uint8_t kind);
