@@ -3,6 +3,9 @@
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/level_handlers.h"
+#include "commands/levelrule_handlers.h"
+#include "commands/morphology_handlers.h"
+#include "commands/resample_handlers.h"
 #include "field/workspaces.h"
 
 namespace {
@@ -33,7 +36,7 @@ const tcommand imagerows[] = {
 
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
-      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), imagecolourrows(),
+      prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), levelrulerows<imageworkspace>(), morphologyrows<imageworkspace>(), imagemorphologyrows(), resamplerows<imageworkspace>(), imagereshaperows(), imagecolourrows(),
                           spatialrows<imageworkspace>()});
   return {"image.", rows};
 }

@@ -3,6 +3,9 @@
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/level_handlers.h"
+#include "commands/levelrule_handlers.h"
+#include "commands/morphology_handlers.h"
+#include "commands/resample_handlers.h"
 #include "commands/scalar_rows.h"
 #include "field/workspaces.h"
 
@@ -34,6 +37,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), levelrulerows<scalarworkspace>(), morphologyrows<scalarworkspace>(), scalarmorphologyrows(), resamplerows<scalarworkspace>(), scalarreshaperows()});
   return {"scalar.", rows};
 }
