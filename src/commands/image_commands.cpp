@@ -2,6 +2,8 @@
 #include "commands/combine_handlers.h"
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/group_handlers.h"
+#include "commands/histogram_handlers.h"
 #include "commands/level_handlers.h"
 #include "commands/levelrule_handlers.h"
 #include "commands/morphology_handlers.h"
@@ -37,6 +39,6 @@ const tcommand imagerows[] = {
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
       prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), levelrulerows<imageworkspace>(), morphologyrows<imageworkspace>(), imagemorphologyrows(), resamplerows<imageworkspace>(), imagereshaperows(), imagecolourrows(),
-                          spatialrows<imageworkspace>()});
+                          spatialrows<imageworkspace>(), grouprows<imageworkspace>(), histogramrows<imageworkspace>()});
   return {"image.", rows};
 }

@@ -2,6 +2,8 @@
 #include "commands/combine_handlers.h"
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/group_handlers.h"
+#include "commands/histogram_handlers.h"
 #include "commands/level_handlers.h"
 #include "commands/levelrule_handlers.h"
 #include "commands/morphology_handlers.h"
@@ -37,6 +39,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), levelrulerows<scalarworkspace>(), morphologyrows<scalarworkspace>(), scalarmorphologyrows(), resamplerows<scalarworkspace>(), scalarreshaperows()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), levelrulerows<scalarworkspace>(), morphologyrows<scalarworkspace>(), scalarmorphologyrows(), resamplerows<scalarworkspace>(), scalarreshaperows(), grouprows<scalarworkspace>(), histogramrows<scalarworkspace>(), histogramfastrows<scalarworkspace>()});
   return {"scalar.", rows};
 }
