@@ -1,5 +1,6 @@
 // The image family: workspace, place in space and the bit level of new images.
 #include "commands/combine_handlers.h"
+#include "commands/diffusion_rows.h"
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/group_handlers.h"
@@ -39,6 +40,6 @@ const tcommand imagerows[] = {
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
       prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), levelrulerows<imageworkspace>(), morphologyrows<imageworkspace>(), imagemorphologyrows(), resamplerows<imageworkspace>(), imagereshaperows(), imagecolourrows(),
-                          spatialrows<imageworkspace>(), grouprows<imageworkspace>(), histogramrows<imageworkspace>()});
+                          spatialrows<imageworkspace>(), grouprows<imageworkspace>(), histogramrows<imageworkspace>(), imagediffusionrows()});
   return {"image.", rows};
 }

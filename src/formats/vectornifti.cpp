@@ -1,0 +1,326 @@
+#include "formats/vectornifti.h"
+
+#include <algorithm>
+#include <bit>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <type_traits>
+
+#include "base/filebuffer.h"
+#include "base/gzip.h"
+#include "formats/nifti.h"
+#include "formats/niftiheader.h"
+#include "formats/niftiraw.h"
+#include "formats/voxelsource.h"
+#include "script/values.h"
+#include "shell/console.h"
+#include "shell/files.h"
+
+namespace {
+
+// ---- writing ---------------------------------------------------------------------------
+
+tniftiheader vectorheader(const tvectorfield& f, bool single) {
+  tniftiheader h{};
+  h.sizeof_hdr = niftisize;
+  h.regular = 'r';
+  const tnatvector size = fieldsize(f);
+  h.dim[0] = 5;
+  for (int a = 0; a < 3; ++a) h.dim[a + 1] = static_cast<int16_t>(size[a]);
+  h.dim[4] = 1;
+  h.dim[5] = 3;
+  h.intent_code = 1007;  // VECTOR
+  h.datatype = f.kind == vectorinteger ? 1024 : 64;
+  h.bitpix = 64;
+  h.pixdim[0] = 1;
+  spaceheader(f.space, h);
+  h.vox_offset = single ? static_cast<float>(niftidatastart) : 0;
+  h.scl_slope = 1;
+  h.slice_code = 1;
+  h.xyzt_units = 10;
+  h.qform_code = 0;
+  h.sform_code = 1;
+  std::strncpy(h.descrip, "voxmill", sizeof h.descrip);
+  std::memcpy(h.magic, single ? "n+1" : "ni1", 4);
+  return h;
+}
+
+template <class T>
+void appendnumber(std::string& out, T v) {
+  static_assert(std::endian::native == std::endian::little, "the payload is little-endian as it lies in memory");
+  out.append(reinterpret_cast<const char*>(&v), sizeof v);
+}
+
+// The three component planes, each value scaled by its axis.
+void appendplanes(std::string& out, const tvectorfield& f, const tvector& scale) {
+  const utf16 label = utf16(f.kind == vectorinteger ? "  3DVector with (" : "  3DVector64 with (") +
+                      dimensionstext(f) + ")";
+  eachstorage(f, [&](const auto& a) {
+    const int64_t count = a.length;
+    const auto* items = a.items();
+    for (int c = 0; c < 3; ++c) {
+      for (int64_t i = 0; i < count; ++i) {
+        const double v = static_cast<double>(items[i][c]) * scale[c];
+        if (f.kind == vectorinteger)
+          appendnumber(out, toelement<int64_t>(v));
+        else
+          appendnumber(out, v);
+      }
+      progress(label, static_cast<double>(c + 1) / 3);
+    }
+  });
+  progressend();
+}
+
+// Written under a passing name and renamed at the end, so that a failed write never
+// leaves a half file under the real one.
+bool writewhole(const utf16& name, const std::string& bytes, bool pack) {
+  std::string packed;
+  if (pack && !gzipcompress(bytes, packed)) return !checkio(name, io_writeerror);
+  const std::string& body = pack ? packed : bytes;
+  const utf16 passing = name + ".part";
+  tfile f;
+  if (!writefile(f, passing, true)) return false;
+  println("Write file (" + name + ").");
+  const bool written = writeblock(f, body.data(), body.size());
+  if (!(closefile(f) && written)) {
+    std::remove(systempath(passing).c_str());
+    return false;
+  }
+  if (std::rename(systempath(passing).c_str(), systempath(name).c_str()) == 0) return true;
+  return !checkio(name, iocodefromerrno(errno, systempath(name)));
+}
+
+// ---- reading ---------------------------------------------------------------------------
+
+bool failed(tvectorfield& f, uint8_t kind, const utf16& text) {
+  println(text);
+  fieldcreate(f, kind);
+  return false;
+}
+
+int typecode(int bitpix, int datatype) {
+  static constexpr int pairs[][3] = {{64, 64, 1064},  {32, 16, 1032}, {64, 1280, 64}, {64, 1024, -64},
+                                     {32, 768, 32},   {32, 8, -32},   {16, 512, 16},  {16, 4, -16},
+                                     {8, 2, 8},       {8, 256, -8},   {24, 128, 2024}, {32, 2304, 2032}};
+  for (const auto& p : pairs)
+    if (p[0] == bitpix && p[1] == datatype) return p[2];
+  return 0;
+}
+
+const char* typelabel(int code) {
+  switch (code) {
+    case 1064: return "  3DVector (64Float) with (";
+    case 1032: return "  3DVector (32Float) with (";
+    case 64: return "  3DVector (64Bit) with (";
+    case -64: return "  3DVector (-64Bit) with (";
+    case 32: return "  3DVector (32Bit) with (";
+    case -32: return "  3DVector (-32Bit) with (";
+    case 16: return "  3DVector (16Bit) with (";
+    case -16: return "  3DVector (-16Bit) with (";
+    case 8: return "  3DVector (8Bit) with (";
+    case -8: return "  3DVector (-8Bit) with (";
+    case 2024: return "  3DRGB (RGB) with (";
+    case 2032: return "  3DRGB (RGBA) with (";
+  }
+  return "  3DVector (Zero) with (";
+}
+
+// The one switch from a type code to its C type.
+template <class Op>
+void withnumber(int code, Op op) {
+  switch (code) {
+    case 1064: return op(double{});
+    case 1032: return op(float{});
+    case 64: return op(uint64_t{});
+    case -64: return op(int64_t{});
+    case 32: return op(uint32_t{});
+    case -32: return op(int32_t{});
+    case 16: return op(uint16_t{});
+    case -16: return op(int16_t{});
+    case 8: return op(uint8_t{});
+    case -8: return op(int8_t{});
+  }
+}
+
+template <class T>
+double numberat(const uint8_t* p, bool swap) {
+  using U = std::conditional_t<sizeof(T) == 8, uint64_t,
+                               std::conditional_t<sizeof(T) == 4, uint32_t, std::conditional_t<sizeof(T) == 2, uint16_t, uint8_t>>>;
+  U u;
+  std::memcpy(&u, p, sizeof u);
+  if (swap) {
+    U r = 0;
+    for (size_t b = 0; b < sizeof u; ++b) r = static_cast<U>((r << 8) | ((u >> (8 * b)) & 0xFF));
+    u = r;
+  }
+  return static_cast<double>(std::bit_cast<T>(u));
+}
+
+utf16 baddims(const int64_t (&d)[8]) {
+  const tnatvector a{d[1], d[2], d[3]}, b{d[5], d[6], d[7]};
+  return "  Bad dim size (" + nattext(d[0]) + " " + natlisttext(a, true) + " " + nattext(d[4]) + " " +
+         natlisttext(b, true) + ")! Create empty field.";
+}
+
+bool gooddims(const int64_t (&d)[8], bool rgb) {
+  if (d[0] < (rgb ? 3 : 4) || d[0] > 7) return false;
+  if (d[1] < 1 || d[2] < 1 || d[3] < 1) return false;
+  if (rgb) return true;
+  int64_t values = 1;
+  for (int k = 4; k <= d[0]; ++k) values = fieldcount(values, std::max<int64_t>(d[k], 0));
+  return values >= 3;
+}
+
+void takespace(tvectorfield& f, const tniftiheader& h) {
+  if (fieldempty(f)) return;
+  f.space = headerspace(h);
+  for (const utf16& line : transformationlines(f.space, false)) println(line);
+}
+
+template <class A>
+void putcomponent(A& a, int64_t i, int c, double v) {
+  using C = typename A::elementtype::value_type;
+  a.items()[i][c] = toelement<C>(v);
+}
+
+// The component planes, slice by slice.
+bool readplanes(tvectorfield& f, tvoxelsource& src, int code, bool swap, const utf16& label) {
+  const tnatvector n = fieldsize(f);
+  const int64_t area = n[0] * n[1], bytes = voxelbytes(code);
+  tbytelist buffer{};
+  bool ok = true;
+  withnumber(code, [&](auto t) {
+    using T = decltype(t);
+    eachstorage(f, [&](auto& a) {
+      for (int c = 0; c < 3 && ok; ++c)
+        for (int64_t z = 0; z < n[2] && ok; ++z) {
+          const uint8_t* p = sourcetake(src, area * bytes, buffer);
+          if (!p) {
+            ok = false;
+            break;
+          }
+          const int64_t first = z * area;
+          for (int64_t i = 0; i < area; ++i) putcomponent(a, first + i, c, numberat<T>(p + i * bytes, swap));
+          progress(label, static_cast<double>(c * n[2] + z + 1) / static_cast<double>(3 * n[2]));
+        }
+    });
+  });
+  buffer.release();
+  progressend();
+  return ok;
+}
+
+// Colour voxels: r, g, b (and a) bytes side by side, each vector the colour over 255.
+bool readcolours(tvectorfield& f, tvoxelsource& src, int code, const utf16& label) {
+  const tnatvector n = fieldsize(f);
+  const int64_t area = n[0] * n[1], bytes = voxelbytes(code);
+  tbytelist buffer{};
+  bool ok = true;
+  eachstorage(f, [&](auto& a) {
+    for (int64_t z = 0; z < n[2] && ok; ++z) {
+      const uint8_t* p = sourcetake(src, area * bytes, buffer);
+      if (!p) {
+        ok = false;
+        break;
+      }
+      for (int64_t i = 0; i < area; ++i)
+        for (int c = 0; c < 3; ++c) putcomponent(a, z * area + i, c, p[i * bytes + c] / 255.0);
+      progress(label, static_cast<double>(z + 1) / static_cast<double>(n[2]));
+    }
+  });
+  buffer.release();
+  progressend();
+  return ok;
+}
+
+}  // namespace
+
+bool vectorniftisave(const tvectorfield& f, const utf16& name, const tvector& scale) {
+  if (fieldempty(f)) return false;
+  const utf16 ext = lower(fileextension(name));
+  const bool packed = equalutf8(ext, "nii.gz"), pair = equalutf8(ext, "hdr");
+  const utf16 file = packed || pair || equalutf8(ext, "nii") ? name : name + ".nii";
+  const tniftiheader h = vectorheader(f, !pair);
+  std::string bytes(reinterpret_cast<const char*>(&h), niftisize);
+  const tnatvector n = fieldsize(f);
+  bytes.reserve(static_cast<size_t>(niftidatastart + 24 * n[0] * n[1] * n[2]));
+  if (pair) {
+    if (!writewhole(file, bytes, false)) return false;
+    bytes.clear();
+  } else {
+    bytes.append(4, '\0');  // no extension
+  }
+  appendplanes(bytes, f, scale);
+  return writewhole(pair ? filestem(file) + ".img" : file, bytes, packed);
+}
+
+bool vectorniftiload(tvectorfield& f, uint8_t kind, const utf16& name) {
+  const utf16 header = niftiheadername(name), data = niftidataname(name);
+  const bool pair = !equal(header, data);
+  const utf16 unreadable = "  Couldn't read File (" + name + ")! Create empty field.";
+  if (!fileexists(header)) return failed(f, kind, unreadable);
+  tvoxelsource src{};
+  tbytelist buffer{};
+  const auto finish = [&](bool result) {
+    sourceclose(src);
+    buffer.release();
+    return result;
+  };
+  if (!sourceopen(src, header)) return finish(failed(f, kind, unreadable));
+  const uint8_t* head = sourcetake(src, niftisize, buffer);
+  if (!head) return finish(failed(f, kind, "  Wrong header! Create empty field."));
+  tniftiheader h;
+  const bool swap = takeheader(h, head);
+  if (h.sizeof_hdr == nifti2size) return finish(failed(f, kind, "  Nifti-2 currently not supported! Create empty field."));
+  if (h.sizeof_hdr != niftisize) return finish(failed(f, kind, "  Wrong header! Create empty field."));
+  int64_t d[8];
+  for (int k = 0; k < 8; ++k) d[k] = h.dim[k];
+  const int code = typecode(h.bitpix, h.datatype);
+  const bool rgb = code == 2024 || code == 2032;
+  int64_t start = 0;
+  if (pair) {
+    sourceclose(src);
+    if (!fileexists(data)) {
+      if (d[0] < 3 || d[0] > 7 || d[1] < 1 || d[2] < 1 || d[3] < 1)
+        return finish(failed(f, kind, "  Couldn't read File (" + data + ") and bad dim size! Create empty field."));
+      println("  Couldn't read File (" + data + ")! Create field without values.");
+      fieldcreate(f, kind, {d[1], d[2], d[3]});
+      takespace(f, h);
+      return finish(false);
+    }
+    if (!sourceopen(src, data)) return finish(failed(f, kind, "  Couldn't read File (" + data + ")! Create empty field."));
+  } else {
+    start = h.vox_offset > niftidatastart ? roundnat(h.vox_offset) : niftidatastart;
+  }
+  if (!gooddims(d, rgb)) return finish(failed(f, kind, baddims(d)));
+  if (code == 0)
+    return finish(failed(f, kind, "  Bad datatype [" + nattext(h.bitpix) + "|" + nattext(h.datatype) +
+                                      "]! Create empty field."));
+  const tnatvector size{d[1], d[2], d[3]};
+  const int64_t voxel = voxelbytes(code) * (rgb ? 1 : 3);
+  const __int128 count = static_cast<__int128>(d[1]) * d[2] * d[3];
+  const utf16 dims = nattext(d[1]) + "x" + nattext(d[2]) + "x" + nattext(d[3]) + ")";
+  if (src.size < start + count * voxel) {
+    println("  Wrong file size! Header: " + nattext(start) + " +Dim: " + nattext(static_cast<int64_t>(count)) +
+            " *Bytes: " + nattext(voxel));
+    println("  Calculated typ (bytes):" +
+            realtext(static_cast<double>(src.size - start) / static_cast<double>(count)));
+    fieldcreate(f, kind, size);
+    progress("  3DVector (Zero) with (" + dims, 1);
+    progressend();
+    takespace(f, h);
+    return finish(false);
+  }
+  fieldcreate(f, kind, size);
+  if (fieldempty(f) || !sourceseek(src, start)) return finish(false);
+  const utf16 label = typelabel(code) + dims;
+  if (rgb)
+    readcolours(f, src, code, label);
+  else
+    readplanes(f, src, code, swap, label);
+  takespace(f, h);
+  return finish(true);
+}
