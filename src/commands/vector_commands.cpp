@@ -1,5 +1,6 @@
 // The vector and tensor families: workspace, place in space and the storage of new fields.
 #include "commands/families.h"
+#include "commands/tensor_rows.h"
 #include "commands/fieldrows.h"
 #include "commands/vectorfile_rows.h"
 #include "field/workspaces.h"
@@ -43,6 +44,6 @@ tcommandfamily vectorcommands() {
 
 tcommandfamily tensorcommands() {
   static const std::vector<tcommand> rows =
-      prefixed("tensor.", {workspacerows<tensorworkspace>(), tensorrows, spatialrows<tensorworkspace>()});
+      prefixed("tensor.", {workspacerows<tensorworkspace>(), tensorrows, spatialrows<tensorworkspace>(), tensormeasurerows()});
   return {"tensor.", rows};
 }
