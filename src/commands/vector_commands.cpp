@@ -44,6 +44,6 @@ tcommandfamily vectorcommands() {
 
 tcommandfamily tensorcommands() {
   static const std::vector<tcommand> rows =
-      prefixed("tensor.", {workspacerows<tensorworkspace>(), tensorrows, spatialrows<tensorworkspace>(), tensormeasurerows()});
+      prefixed("tensor.", {workspacerows<tensorworkspace>(), tensorrows, spatialrows<tensorworkspace>(), tensorfilerows(), tensormeasurerows()});
   return {"tensor.", rows};
 }
