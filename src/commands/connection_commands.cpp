@@ -38,9 +38,8 @@ void histogramcmd(tscript& s) {
   if (n > 3) return reportmax(s, 3);
   const tscalarfield& f = currentfield(scalarworkspace);
   const tvector point = n >= 2 ? textvector(param(s, 2)) : tvector{}, offset = n >= 3 ? textvector(param(s, 3)) : tvector{};
-  println("Connection histogram at: " + vectortext(point) + (n >= 3 ? " + " + vectortext(offset) : utf16()));
-  const std::vector<double> values = connectionsweep(f, diagnosticpoint(f, point, offset));
-  for (size_t i = values.size(); i >= 1; --i) println("  scansize " + nattext(static_cast<int64_t>(i)) + ": " + realtext(values[i - 1]));
+  println("Connection histogram at: " + fullvectortext(point) + (n >= 3 ? " + " + fullvectortext(offset) : utf16()));
+  connectionhistogram(f, diagnosticpoint(f, point, offset), param(s, 1));
 }
 
 void methodcmd(tscript& s) {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <random>
 
+#include "drawing/chart.h"
 #include "ops/slices.h"
 #include "orientation/tensorvoxel.h"
 #include "shell/console.h"
@@ -212,4 +213,18 @@ std::vector<double> connectionsweep(const tscalarfield& f, const tnatvector& p) 
   }
   progressend();
   return values;
+}
+
+bool connectionhistogram(const tscalarfield& f, const tnatvector& p, const utf16& name) {
+  const std::vector<double> values = connectionsweep(f, p);
+  tchart c = chartcreate(640, 480);
+  // The title is shared with the diffusion histogram, although the values are anisotropies.
+  charttitles(c, "number of maximas", "", "scansize");
+  const double top = values.empty() ? 1 : std::max(1.0, *std::max_element(values.begin(), values.end()));
+  chartranges(c, 0, static_cast<double>(values.size()) + 1, 0, top);
+  chartaxes(c);
+  std::vector<std::array<double, 2>> curve;
+  for (size_t s = 1; s <= values.size(); ++s) curve.push_back(chartpoint(c, static_cast<double>(s), values[s - 1]));
+  if (!curve.empty()) chartcurve(c, curve, {0, 0, 255, 255});
+  return chartsave(c, name);
 }

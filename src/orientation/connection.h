@@ -56,3 +56,5 @@ bool scalarconnection(const tscalarfield& f, ttensorfield& out, const tconnectio
 // The histogram sweep: anisotropy of the voxel at p for the scan sizes s = round(min n / 2)
 // down to 1; values[s - 1].
 std::vector<double> connectionsweep(const tscalarfield& f, const tnatvector& p);
+// The same as a chart of 640 x 480 saved under name.
+bool connectionhistogram(const tscalarfield& f, const tnatvector& p, const utf16& name);
