@@ -41,6 +41,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), levelrulerows<scalarworkspace>(), morphologyrows<scalarworkspace>(), scalarmorphologyrows(), resamplerows<scalarworkspace>(), scalarreshaperows(), grouprows<scalarworkspace>(), histogramrows<scalarworkspace>(), histogramfastrows<scalarworkspace>(), measurerows<scalarworkspace>(), scalardiffusionrows()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), levelrulerows<scalarworkspace>(), morphologyrows<scalarworkspace>(), scalarmorphologyrows(), resamplerows<scalarworkspace>(), scalarreshaperows(), grouprows<scalarworkspace>(), histogramrows<scalarworkspace>(), histogramfastrows<scalarworkspace>(), measurerows<scalarworkspace>(), scalarmeasurerows(), scalardiffusionrows()});
   return {"scalar.", rows};
 }
