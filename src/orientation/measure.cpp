@@ -38,19 +38,19 @@ struct tcrossing {
   bool found = false;              // background met on both sides
 };
 
-// The samples of one line, outside reading 0; then the two walks from the middle.
-tcrossing crossing(const tvoxelcopy& c, const tscanstep& s, const tscanpoint& p1, std::vector<int64_t>& values) {
-  values.assign(static_cast<size_t>(s.steps + 1), 0);
+// The two walks from the middle sample n of a line (outside reading 0); only the samples
+// up to the first background on each side are read.
+tcrossing crossing(const tvoxelcopy& c, const tscanstep& s, const tscanpoint& p1) {
   const int64_t size[3] = {c.n[0], c.n[1], c.n[2]};
   const tkrange in = insiderange(s, p1, 1, size);
   const int64_t i1 = c.index(p1[0], p1[1], p1[2]);
-  for (int64_t k = std::max<int64_t>(in.lo, 0); k <= std::min(in.hi, s.steps); ++k) values[k] = c.v[i1 + s.forward[k]];
-  const int64_t n = static_cast<int64_t>(values.size()), middle = n / 2;
+  const auto object = [&](int64_t k) { return k >= in.lo && k <= in.hi && c.v[i1 + s.forward[k]] >= 1; };  // k from 0
+  const int64_t n = s.steps + 1, middle = n / 2;
   tcrossing t;
   int64_t k = middle;
-  for (; k >= 1 && values[k - 1] >= 1; --k) ++t.before;
+  for (; k >= 1 && object(k - 1); --k) ++t.before;
   if (k < 1) return t;
-  for (k = middle + 1; k <= n && values[k - 1] >= 1; ++k) ++t.behind;
+  for (k = middle + 1; k <= n && object(k - 1); ++k) ++t.behind;
   t.found = k <= n;
   return t;
 }
@@ -65,21 +65,20 @@ struct tscanresult {
 struct tthicknessscan {
   const tvoxelcopy& c;
   tvector scale;  // voxel sizes over the smallest of them
-  std::vector<int64_t> values;
 
   double length(const tscanunit& u, int64_t count) const {
     const double x = u[0] * scale[0], y = u[1] * scale[1], z = u[2] * scale[2];
     return static_cast<double>(count) * std::sqrt(x * x + y * y + z * z);
   }
 
-  tscanresult at(const tlineset& l, int64_t x, int64_t y, int64_t z, bool centred) {
+  tscanresult at(const tlineset& l, int64_t x, int64_t y, int64_t z, bool centred) const {
     constexpr int64_t none = std::numeric_limits<int64_t>::max();
     int64_t best = none;
     tscanresult r;
     double shortest = std::numeric_limits<double>::infinity();
     for (size_t i = 0; i < l.steps.size(); ++i) {
       const tscanpoint& d = l.directions.points[i];
-      const tcrossing t = crossing(c, l.steps[i], {x + d[0], y + d[1], z + d[2]}, values);
+      const tcrossing t = crossing(c, l.steps[i], {x + d[0], y + d[1], z + d[2]});
       bool centre = false;
       if (t.found && t.before + t.behind >= 1) {
         const double len = length(l.directions.units[i], t.before + t.behind);
@@ -133,12 +132,11 @@ void thicknessmap(const tscalarfield& f, tscalarfield& target, tthickness m, int
   for (const int64_t s : thicknessladder(r)) ladder.push_back(lineset(s, c));
   const tvector scale = unitscale(f);
   const bool centred = m == tthickness::skeleton;
-  // One scanner per slice: its line buffer is the only thing a worker writes besides its plane.
-  std::vector<tthicknessscan> scans(static_cast<size_t>(c.n[2]) + 1, tthicknessscan{c, scale, {}});
+  const tthicknessscan scan{c, scale};
   measureslices(target, parallel, thicknessword(m), [&](int64_t x, int64_t y, int64_t z) -> double {
     if (c.at(x, y, z) < 1 || (m == tthickness::cartoon && !borderof(c, x, y, z))) return 0;
     for (const tlineset& l : ladder) {
-      const int64_t t = scans[z].at(l, x, y, z, centred).thickness;
+      const int64_t t = scan.at(l, x, y, z, centred).thickness;
       if (t != 0) return static_cast<double>(t);
     }
     return 0;
@@ -160,7 +158,7 @@ void planemap(const tscalarfield& f, tvectorfield& out, int64_t r, int64_t paral
   out.space = f.space;
   const tlineset l = lineset(r / 2, c);
   const tvector scale = unitscale(f);
-  std::vector<tthicknessscan> scans(static_cast<size_t>(n[2]) + 1, tthicknessscan{c, scale, {}});
+  const tthicknessscan scan{c, scale};
   struct tplanejob {
     std::function<void(int64_t)> slice;
     void compute(int64_t z) { slice(z); }
@@ -171,7 +169,7 @@ void planemap(const tscalarfield& f, tvectorfield& out, int64_t r, int64_t paral
       for (int64_t y = 1; y <= n[1]; ++y)
         for (int64_t x = 1; x <= n[0]; ++x) {
           tscanresult s;
-          if (c.at(x, y, z) >= 1) s = scans[z].at(l, x, y, z, false);
+          if (c.at(x, y, z) >= 1) s = scan.at(l, x, y, z, false);
           a.items()[a.index(x, y, z) - 1] = {toelement<C>(s.direction[0] * s.length), toelement<C>(s.direction[1] * s.length),
                                              toelement<C>(s.direction[2] * s.length)};
         }
