@@ -1,6 +1,7 @@
 // The vector and tensor families: workspace, place in space and the storage of new fields.
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/vector_rows.h"
 #include "commands/vectorfile_rows.h"
 #include "field/workspaces.h"
 
@@ -36,8 +37,15 @@ const tcommand tensorrows[] = {
 }  // namespace
 
 tcommandfamily vectorcommands() {
-  static const std::vector<tcommand> rows =
-      prefixed("vector.", {workspacerows<vectorworkspace>(), vectorrows, spatialrows<vectorworkspace>(), vectorfilerows()});
+  static const std::vector<tcommand> rows = prefixed("vector.", {
+                                                                    workspacerows<vectorworkspace>(),
+                                                                    vectorrows,
+                                                                    spatialrows<vectorworkspace>(),
+                                                                    vectorfilerows(),
+                                                                    vectoroprows(),
+                                                                    vectorderiverows(),
+                                                                    vectorfieldrows(),
+                                                                });
   return {"vector.", rows};
 }
 
