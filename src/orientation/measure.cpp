@@ -24,12 +24,15 @@ namespace {
 struct tlineset {
   tscandirectionset directions;
   std::vector<tscanstep> steps;
+  int64_t reach = 0;  // the largest component of any d
 };
 
 tlineset lineset(int64_t s, const tvoxelcopy& c) {
   tlineset l{scandirections(s), {}};
-  for (const tscanpoint& d : l.directions.points)
+  for (const tscanpoint& d : l.directions.points) {
     l.steps.push_back(scanstep({-2 * d[0], -2 * d[1], -2 * d[2]}, c.n[0], c.n[0] * c.n[1]));
+    for (const int64_t a : d) l.reach = std::max(l.reach, std::abs(a));
+  }
   return l;
 }
 
@@ -40,9 +43,10 @@ struct tcrossing {
 
 // The two walks from the middle sample n of a line (outside reading 0); only the samples
 // up to the first background on each side are read.
-tcrossing crossing(const tvoxelcopy& c, const tscanstep& s, const tscanpoint& p1) {
+// `inside`: every sample is known to lie in the volume.
+tcrossing crossing(const tvoxelcopy& c, const tscanstep& s, const tscanpoint& p1, bool inside) {
   const int64_t size[3] = {c.n[0], c.n[1], c.n[2]};
-  const tkrange in = insiderange(s, p1, 1, size);
+  const tkrange in = inside ? tkrange{0, s.steps} : insiderange(s, p1, 1, size);
   const int64_t i1 = c.index(p1[0], p1[1], p1[2]);
   const auto object = [&](int64_t k) { return k >= in.lo && k <= in.hi && c.v[i1 + s.forward[k]] >= 1; };  // k from 0
   const int64_t n = s.steps + 1, middle = n / 2;
@@ -76,9 +80,11 @@ struct tthicknessscan {
     int64_t best = none;
     tscanresult r;
     double shortest = std::numeric_limits<double>::infinity();
+    const auto clear = [&](int64_t p, int a) { return p > l.reach && p + l.reach <= c.n[a]; };
+    const bool inside = clear(x, 0) && clear(y, 1) && clear(z, 2);  // p +- d lie inside, so the samples between do
     for (size_t i = 0; i < l.steps.size(); ++i) {
       const tscanpoint& d = l.directions.points[i];
-      const tcrossing t = crossing(c, l.steps[i], {x + d[0], y + d[1], z + d[2]});
+      const tcrossing t = crossing(c, l.steps[i], {x + d[0], y + d[1], z + d[2]}, inside);
       bool centre = false;
       if (t.found && t.before + t.behind >= 1) {
         const double len = length(l.directions.units[i], t.before + t.behind);
