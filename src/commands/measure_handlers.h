@@ -20,9 +20,11 @@ struct tmeasurerequest {
 inline tmeasurerequest measurerequest(tscript& s, bool factor) {
   const int64_t n = paramcount(s);
   const int64_t most = factor ? 3 : 2;
-  if (n > most) return reportmax(s, most), tmeasurerequest{};
-  if (n == 1) return reportmin(s, 2), tmeasurerequest{};
-  tmeasurerequest q{{}, 1, true};
+  tmeasurerequest q;
+  if (n > most) reportmax(s, most);
+  if (n == 1) reportmin(s, 2);
+  if (n > most || n == 1) return q;
+  q.ok = true;
   if (n >= 2) q.range = {textreal(param(s, 1)), textreal(param(s, n)), false};
   if (n == 3) q.factor = textreal(param(s, 2));
   return q;
