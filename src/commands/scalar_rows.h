@@ -9,3 +9,4 @@ std::span<const tcommand> scalarfieldrows();
 std::span<const tcommand> scalarfilerows();
 std::span<const tcommand> scalarfilterrows();
 std::span<const tcommand> scalarcombinerows();
+std::span<const tcommand> scalarmeasurerows();
