@@ -1,11 +1,13 @@
 // The scalar family: workspace, place in space and the bit level of new volumes.
 #include "commands/combine_handlers.h"
+#include "commands/connection_rows.h"
 #include "commands/diffusion_rows.h"
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/group_handlers.h"
 #include "commands/histogram_handlers.h"
 #include "commands/level_handlers.h"
+#include "commands/measure_handlers.h"
 #include "commands/levelrule_handlers.h"
 #include "commands/morphology_handlers.h"
 #include "commands/resample_handlers.h"
@@ -40,6 +42,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), levelrulerows<scalarworkspace>(), morphologyrows<scalarworkspace>(), scalarmorphologyrows(), resamplerows<scalarworkspace>(), scalarreshaperows(), grouprows<scalarworkspace>(), histogramrows<scalarworkspace>(), histogramfastrows<scalarworkspace>(), scalardiffusionrows(), scalarsurfacerows()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), levelrulerows<scalarworkspace>(), morphologyrows<scalarworkspace>(), scalarmorphologyrows(), resamplerows<scalarworkspace>(), scalarreshaperows(), grouprows<scalarworkspace>(), histogramrows<scalarworkspace>(), histogramfastrows<scalarworkspace>(), measurerows<scalarworkspace>(), scalarmeasurerows(), scalardiffusionrows(), scalarconnectionrows(), scalarsurfacerows()});
   return {"scalar.", rows};
 }
