@@ -35,7 +35,10 @@ bool vtpwrite(const tmesh& m, const utf16& name, const tmeshsave&) {
     const tface f = m.faces.get(i);
     if (!writtenface(m, f)) continue;
     out += "\t\t\t\t\t";
-    for (int k = 0; k < 4 && f.corners[k]; ++k, ++sum) out += (k ? " " : "") + std::to_string(number[f.corners[k]] - 1);
+    for (int k = 0; k < 4 && f.corners[k]; ++k, ++sum) {
+      if (k) out += ' ';
+      out += std::to_string(number[f.corners[k]] - 1);
+    }
     out += '\n';
     offsets += "\t\t\t\t\t" + std::to_string(sum) + '\n';
   }
