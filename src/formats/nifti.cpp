@@ -43,16 +43,6 @@ bool failed(tscalarfield& f, uint8_t kind, const utf16& text) {
   return false;
 }
 
-// The type code of a (bitpix, datatype) pair, 0 for a pair that isn't read.
-int typecode(int bitpix, int datatype) {
-  static constexpr int pairs[][3] = {{64, 64, 1064},  {32, 16, 1032}, {64, 1280, 64}, {64, 1024, -64},
-                                     {32, 768, 32},   {32, 8, -32},   {16, 512, 16},  {16, 4, -16},
-                                     {8, 2, 8},       {8, 256, -8},   {24, 128, 2024}, {32, 2304, 2032}};
-  for (const auto& p : pairs)
-    if (p[0] == bitpix && p[1] == datatype) return p[2];
-  return 0;
-}
-
 // Sizes of a time series in which x, y or z is 1 move down one place.
 void repairdims(int64_t (&d)[8]) {
   for (int axis = 1; axis <= 3; ++axis) {
@@ -296,7 +286,7 @@ bool niftiload(tscalarfield& f, uint8_t kind, const utf16& name, int64_t stack, 
     return finish(failed(f, kind, "  Wrong selected stack " + nattext(stack) + " from [1.." + nattext(d[4]) +
                                       "]! Create empty field."));
   trawvolume r{};
-  r.code = typecode(h.bitpix, h.datatype);
+  r.code = niftitypecode(h.bitpix, h.datatype);
   if (r.code == 0)
     return finish(failed(f, kind, kind == scalarfullgray ? "  Bad datatype [" + nattext(h.bitpix) + "|" +
                                                                nattext(h.datatype) + "]! Create empty field."

@@ -238,3 +238,12 @@ std::vector<utf16> headertext(const tniftiheader& h) {
   out.push_back("  Data offset: " + real(h.vox_offset));
   return out;
 }
+
+int niftitypecode(int bitpix, int datatype) {
+  static constexpr int pairs[][3] = {{64, 64, 1064},  {32, 16, 1032}, {64, 1280, 64}, {64, 1024, -64},
+                                     {32, 768, 32},   {32, 8, -32},   {16, 512, 16},  {16, 4, -16},
+                                     {8, 2, 8},       {8, 256, -8},   {24, 128, 2024}, {32, 2304, 2032}};
+  for (const auto& p : pairs)
+    if (p[0] == bitpix && p[1] == datatype) return p[2];
+  return 0;
+}

@@ -74,3 +74,6 @@ std::vector<utf16> transformationlines(const tspatial& s, bool split);
 // The header as the info commands show it, one text a line.
 std::vector<utf16> headertext(const tniftiheader& h);
 const char* datatypename(int datatype);
+
+// The type code of a (bitpix, datatype) pair, 0 for a pair that isn't read.
+int niftitypecode(int bitpix, int datatype);

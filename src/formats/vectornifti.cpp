@@ -128,15 +128,6 @@ bool failed(F& f, uint8_t kind, const utf16& text) {
   return false;
 }
 
-int typecode(int bitpix, int datatype) {
-  static constexpr int pairs[][3] = {{64, 64, 1064},  {32, 16, 1032}, {64, 1280, 64}, {64, 1024, -64},
-                                     {32, 768, 32},   {32, 8, -32},   {16, 512, 16},  {16, 4, -16},
-                                     {8, 2, 8},       {8, 256, -8},   {24, 128, 2024}, {32, 2304, 2032}};
-  for (const auto& p : pairs)
-    if (p[0] == bitpix && p[1] == datatype) return p[2];
-  return 0;
-}
-
 const char* typelabel(int code) {
   switch (code) {
     case 1064: return "  3DVector (64Float) with (";
@@ -312,7 +303,7 @@ bool orientationload(F& f, uint8_t kind, const utf16& name, int components, Read
   if (h.sizeof_hdr != niftisize) return finish(failed(f, kind, "  Wrong header! Create empty field."));
   int64_t d[8];
   for (int k = 0; k < 8; ++k) d[k] = h.dim[k];
-  int code = typecode(h.bitpix, h.datatype);
+  int code = niftitypecode(h.bitpix, h.datatype);
   const bool rgb = components == 3 && (code == 2024 || code == 2032);
   if (components != 3 && (code == 2024 || code == 2032)) code = 0;
   int64_t start = 0;

@@ -7,6 +7,7 @@
 
 #include "drawing/chart.h"
 #include "ops/slices.h"
+#include "orientation/reducedfield.h"
 #include "orientation/tensorvoxel.h"
 #include "shell/console.h"
 
@@ -172,18 +173,7 @@ bool scalarconnection(const tscalarfield& f, ttensorfield& out, const tconnectio
   if (run.aniso) run.radii = anisoradii(f, run.anisor);
   const tnatvector n = fieldsize(f);
   const int64_t k = run.k;
-  const tnatvector have = fieldsize(out);
-  if (have[0] * k != n[0] || have[1] * k != n[1] || have[2] * k != n[2]) {
-    fieldcreate(out, out.kind ? out.kind : run.newkind, {n[0] / k, n[1] / k, n[2] / k});
-    println("  Assigned tensor field (" + dimensionstext(out) + ") updated.");
-  }
-  out.space = f.space;
-  if (k > 1) {
-    trows m = f.space.matrix;
-    for (auto& row : m)
-      for (double& c : row) c *= static_cast<double>(k);
-    setmatrix(out.space, m);
-  }
+  fitreducedfield(out, f, k, run.newkind, "tensor");
   const int method = connectionmethod(f.connection);
   println(run.aniso && method <= 3 ? std::string("Method: not supported") : connectionmethodline(method));
   const bool ok = withtensorvolumes(out, [&](auto& diagonal, auto& offdiagonal) {

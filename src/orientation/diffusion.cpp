@@ -10,6 +10,7 @@
 
 #include "field/array_grids.h"
 #include "ops/slices.h"
+#include "orientation/reducedfield.h"
 #include "orientation/scanwalk.h"
 #include "shell/console.h"
 
@@ -239,18 +240,7 @@ bool scalardiffusion(const tscalarfield& f, tvectorfield& out, int64_t r, int64_
                      uint8_t newkind) {
   const tnatvector n = fieldsize(f);
   if (!scansize(r, n, 3)) return false;
-  const tnatvector have = fieldsize(out);
-  if (have[0] * k != n[0] || have[1] * k != n[1] || have[2] * k != n[2]) {
-    fieldcreate(out, out.kind ? out.kind : newkind, {n[0] / k, n[1] / k, n[2] / k});
-    println("  Assigned vector field (" + dimensionstext(out) + ") updated.");
-  }
-  out.space = f.space;
-  if (k > 1) {
-    trows m = f.space.matrix;
-    for (auto& row : m)
-      for (double& c : row) c *= static_cast<double>(k);
-    setmatrix(out.space, m);
-  }
+  fitreducedfield(out, f, k, newkind, "vector");
   const tdiffusionsettings s = diffusionsettings(f, r);
   println(diffusionmethodline(s));
   if (fieldempty(out)) {
