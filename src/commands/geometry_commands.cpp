@@ -1,6 +1,7 @@
 // The mesh and line families: their workspaces.
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/line_rows.h"
 #include "field/workspaces.h"
 
 namespace {
@@ -21,6 +22,6 @@ tcommandfamily meshcommands() {
 }
 
 tcommandfamily linecommands() {
-  static const std::vector<tcommand> rows = prefixed("line.", {workspacerows<lineworkspace>(), linerows});
+  static const std::vector<tcommand> rows = prefixed("line.", {workspacerows<lineworkspace>(), linerows, linefilerows(), lineoperationrows()});
   return {"line.", rows};
 }

@@ -1,6 +1,7 @@
 // The vector and tensor families: workspace, place in space and the storage of new fields.
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/stream_rows.h"
 #include "commands/vectorfile_rows.h"
 #include "field/workspaces.h"
 
@@ -37,7 +38,7 @@ const tcommand tensorrows[] = {
 
 tcommandfamily vectorcommands() {
   static const std::vector<tcommand> rows =
-      prefixed("vector.", {workspacerows<vectorworkspace>(), vectorrows, spatialrows<vectorworkspace>(), vectorfilerows()});
+      prefixed("vector.", {workspacerows<vectorworkspace>(), vectorrows, spatialrows<vectorworkspace>(), vectorfilerows(), streamrows()});
   return {"vector.", rows};
 }
 
