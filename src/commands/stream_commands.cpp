@@ -6,6 +6,7 @@
 #include "commands/combine_handlers.h"
 #include "commands/stream_rows.h"
 #include "field/workspaces.h"
+#include "geometry/lineops.h"
 #include "orientation/streamlines.h"
 #include "script/registry.h"
 #include "script/values.h"
@@ -82,9 +83,14 @@ void anglesetting(tscript& s) {
   if (checkparams(s, 1)) settings.*member = std::clamp(degreestoradians(textreal(param(s, 1))), 0.0, std::numbers::pi);
 }
 
+void vectorlinecmd(tscript& s) {
+  if (checkparams(s, 0)) linesfromvectors(currentfield(vectorworkspace), currentfield(lineworkspace));
+}
+
 using enum tcommandkind;
 using S = tstreamsettings;
 const tcommand rows[] = {
+    {"line", procedure, vectorlinecmd, nullptr, "line // every vector as a two-point line of the line workspace"},
     {"stream", procedure, streamcmd<tsource::voxels, false, false>, nullptr,
      "stream // streamlines from every voxel with the zero vector (see seeds)"},
     {"stream.uniform", procedure, streamcmd<tsource::voxels, false, false>, nullptr, "stream.uniform // same as stream"},
