@@ -16,6 +16,7 @@ const std::vector<tcommandfamily>& commandfamilies() {
       textcommands(),
       listcommands(),
       stackcommands(),
+      colourmapcommands(),
       // The library families stand above this line; the workspaces and the field
       // families follow them in this order.
       workspacecommands(),

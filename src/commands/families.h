@@ -13,6 +13,8 @@ tcommandfamily tablecommands();
 tcommandfamily textcommands();
 tcommandfamily listcommands();
 tcommandfamily stackcommands();
+// color.map.*, color.alpha.*, color.getrgb: the one colour table.
+tcommandfamily colourmapcommands();
 // The global clear, clean, new and dump; library families register before them.
 tcommandfamily workspacecommands();
 // freeimage.* and imagemagick.*: global names behind the workspace ones.
