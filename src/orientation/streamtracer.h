@@ -46,14 +46,23 @@ class ttracer {
       f[k] = l[k] - static_cast<double>(i[k]);
     }
     tvector sum{0, 0, 0};
+    const auto corner = [&](int a, int b, int c, const auto& v) {
+      const double w = (a ? f[0] : 1 - f[0]) * (b ? f[1] : 1 - f[1]) * (c ? f[2] : 1 - f[2]);
+      for (int k = 0; k < 3; ++k) sum[k] += w * static_cast<double>(v[k]);
+    };
+    if (i[0] >= 1 && i[1] >= 1 && i[2] >= 1 && i[0] < vol.sizex && i[1] < vol.sizey && i[2] < vol.sizez) {
+      // all eight inside: fixed offsets from the first
+      const auto* base = vol.items() + (vol.index(i[0], i[1], i[2]) - 1);
+      const int64_t dy = vol.sizex, dz = vol.sizex * vol.sizey;
+      for (int c = 0; c < 2; ++c)
+        for (int b = 0; b < 2; ++b)
+          for (int a = 0; a < 2; ++a) corner(a, b, c, base[a + b * dy + c * dz]);
+      return sum;
+    }
     for (int c = 0; c < 2; ++c)
       for (int b = 0; b < 2; ++b)
-        for (int a = 0; a < 2; ++a) {
-          if (!vol.inside(i[0] + a, i[1] + b, i[2] + c)) continue;
-          const double w = (a ? f[0] : 1 - f[0]) * (b ? f[1] : 1 - f[1]) * (c ? f[2] : 1 - f[2]);
-          const auto v = vol.get(i[0] + a, i[1] + b, i[2] + c);
-          for (int k = 0; k < 3; ++k) sum[k] += w * static_cast<double>(v[k]);
-        }
+        for (int a = 0; a < 2; ++a)
+          if (vol.inside(i[0] + a, i[1] + b, i[2] + c)) corner(a, b, c, vol.get(i[0] + a, i[1] + b, i[2] + c));
     return sum;
   }
 
@@ -61,6 +70,7 @@ class ttracer {
   const V& vol;
   const tspatial& space;
   const tstreamlimits& lim;
+  const double stopcosine = std::cos(lim.stopangle);
 
   int64_t valueat(const tvector& p) const {
     const tnatvector c = globaltolocal(space, p);
@@ -68,6 +78,13 @@ class ttracer {
     for (int k = 0; k < 3; ++k)
       if (c[k] < 1 || c[k] > n[k]) return 0;
     return getvalue(*lim.scalar, c[0], c[1], c[2]);
+  }
+
+  // angle(d, prev) < stop angle for unit or zero vectors; a zero vector counts as angle 0.
+  bool turnbelow(const tvector& d, const tvector& prev) const {
+    const double c = dot(d, prev);
+    if (c == 0 && (d == tvector{0, 0, 0} || prev == tvector{0, 0, 0})) return lim.stopangle > 0;
+    return c > stopcosine;
   }
 
   bool inbox(const tvector& p) const {
@@ -91,7 +108,7 @@ class ttracer {
           last = p;
         }
       }
-      bool go = inbox(p) && moved && vectorangle(d, prev) < lim.stopangle &&
+      bool go = inbox(p) && moved && turnbelow(d, prev) &&
                 static_cast<int64_t>(list.size()) < lim.maxpoints;
       if (go && lim.contrast != 0) go = std::abs(valueat(p) - valueat(q)) <= lim.contrast;
       if (!go) {
