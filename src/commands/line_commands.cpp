@@ -15,7 +15,7 @@ void savecmd(tscript& s) {
 
 template <tlinewriter write>
 void savewithcmd(tscript& s) {
-  if (checkparams(s, 1)) linesavewith(currentfield(lineworkspace), param(s, 1), write, nullptr);
+  if (checkparams(s, 1)) linesavewith(currentfield(lineworkspace), param(s, 1), write);
 }
 
 void loadcmd(tscript& s) {

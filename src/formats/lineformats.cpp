@@ -37,13 +37,16 @@ const char* progressof(tlinewriter w) {
 
 }  // namespace
 
-bool linesavewith(const tcloud& c, const utf16& name, tlinewriter write, const char* progress) {
+bool linesavewith(const tcloud& c, const utf16& name, tlinewriter write) {
   if (empty(name) || c.points.length < 1) return false;
-  (void)progress;
+  if (const char* label = progressof(write)) {
+    progress(label, 1.0);
+    progressend();
+  }
   const std::string bytes = write(c, name);
   const utf16 part = name + ".part";
   if (!bufferwrite(part, bytes, false)) {
-    deletefile(part);
+    if (fileexists(part)) deletefile(part);  // a short write must not stay behind
     return false;
   }
   if (write == nativebytes && fileexists(name)) renamefile(name, name + ".bak");
@@ -52,7 +55,7 @@ bool linesavewith(const tcloud& c, const utf16& name, tlinewriter write, const c
 
 bool linesave(const tcloud& c, const utf16& name) {
   const tlineformat* row = formatrow(lineformats(), lower(fileextension(name)), true);
-  return row && linesavewith(c, name, row->write, progressof(row->write));
+  return row && linesavewith(c, name, row->write);
 }
 
 bool lineload(tcloud& c, const utf16& name, double dropshare) { return nativeread(c, name, dropshare); }

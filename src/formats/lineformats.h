@@ -20,7 +20,7 @@ std::string lineoutputnote();
 // By the lower-cased extension (all others: native text), or the given writer. Nothing for
 // an empty name or an empty cloud.
 bool linesave(const tcloud& c, const utf16& name);
-bool linesavewith(const tcloud& c, const utf16& name, tlinewriter write, const char* progress);
+bool linesavewith(const tcloud& c, const utf16& name, tlinewriter write);
 // The native text; a share in 0..100 of the lines is dropped at random.
 bool lineload(tcloud& c, const utf16& name, double dropshare);
 
