@@ -2,6 +2,7 @@
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/stream_rows.h"
+#include "commands/vector_rows.h"
 #include "commands/vectorfile_rows.h"
 #include "field/workspaces.h"
 
@@ -37,8 +38,16 @@ const tcommand tensorrows[] = {
 }  // namespace
 
 tcommandfamily vectorcommands() {
-  static const std::vector<tcommand> rows =
-      prefixed("vector.", {workspacerows<vectorworkspace>(), vectorrows, spatialrows<vectorworkspace>(), vectorfilerows(), streamrows()});
+  static const std::vector<tcommand> rows = prefixed("vector.", {
+                                                                    workspacerows<vectorworkspace>(),
+                                                                    vectorrows,
+                                                                    spatialrows<vectorworkspace>(),
+                                                                    vectorfilerows(),
+                                                                    vectoroprows(),
+                                                                    vectorderiverows(),
+                                                                    vectorfieldrows(),
+                                                                    streamrows(),
+                                                                });
   return {"vector.", rows};
 }
 

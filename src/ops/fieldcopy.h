@@ -3,6 +3,7 @@
 #pragma once
 #include <type_traits>
 
+#include "field/vectorfield.h"
 #include "ops/voxelgrid.h"
 
 // Title, place in space, labels, value, background and the settings of copy and
@@ -29,6 +30,11 @@ inline void copysettings(timagefield& to, const timagefield& from) {
   for (int c = 0; c < 4; ++c)
     to.channels[c].defaultvalue = from.channels[c].defaultvalue, to.channels[c].value = from.channels[c].value;
   to.words.defaultvalue = from.words.defaultvalue, to.words.value = from.words.value;
+}
+
+inline void copysettings(tvectorfield& to, const tvectorfield& from) {
+  to.space = from.space;
+  to.background = from.background;
 }
 
 // op(target grid, source grid) for each array pair of two fields of one kind: a volume's
@@ -60,4 +66,14 @@ void eachgridpair(timagefield& target, const timagefield& source, Op op) {
   const int colours = source.kind == imagergba ? 4 : colourkind(source.kind) ? 3 : source.kind == imagegray ? 1 : 0;
   for (int c = 0; c < colours; ++c) op(gridof(target.channels[c], 255), gridof(s.channels[c], 255));
   if (source.kind == imagefullgray || source.kind == imagezrgb) op(gridof(target.words, 65535), gridof(s.words, 65535));
+}
+
+template <class Op>
+void eachgridpair(tvectorfield& target, const tvectorfield& source, Op op) {
+  auto& s = const_cast<tvectorfield&>(source);
+  switch (source.kind) {
+    case vectorfloat: return op(gridof(target.real, 0), gridof(s.real, 0));
+    case vectorinteger: return op(gridof(target.integer, 0), gridof(s.integer, 0));
+    case vectorrgb: return op(gridof(target.rgb, 0), gridof(s.rgb, 0));
+  }
 }

@@ -86,6 +86,9 @@ void subfield(timagefield& target, const timagefield& source, const tnatvector& 
 void subfield(tscalarfield& target, const tscalarfield& source, const tnatvector& lo, const tnatvector& hi) {
   subpart(target, source, lo, hi, "  New substack:  (");
 }
+void subfield(tvectorfield& target, const tvectorfield& source, const tnatvector& lo, const tnatvector& hi) {
+  subpart(target, source, lo, hi, "  New substack:  (");
+}
 
 void cropimage(timagefield& f, int64_t v) {
   tnatvector lo, hi;
@@ -165,6 +168,13 @@ void flipfield(tscalarfield& f, int axis) {
   static const char* words[3] = {"  Flip x", "  Flip y", "  Flip z"};
   progress(words[axis], 0);
   withgrid(f, [&](auto g) { flipgrid(g, axis); });
+  progressend();
+}
+
+void flipfield(tvectorfield& f, int axis) {
+  static const char* words[3] = {"  Flip x", "  Flip y", "  Flip z"};
+  progress(words[axis], 0);
+  eachstorage(f, [&](auto& a) { flipgrid(gridof(a, 0), axis); });
   progressend();
 }
 

@@ -6,6 +6,7 @@
 
 #include "field/imagefield.h"
 #include "field/scalarfield.h"
+#include "field/vectorfield.h"
 #include "ops/morphology.h"
 
 // The block of corners lo and hi (each component lo <= hi) of the source into the target:
@@ -14,6 +15,7 @@
 // substack" line.
 void subfield(timagefield& target, const timagefield& source, const tnatvector& lo, const tnatvector& hi);
 void subfield(tscalarfield& target, const tscalarfield& source, const tnatvector& lo, const tnatvector& hi);
+void subfield(tvectorfield& target, const tvectorfield& source, const tnatvector& lo, const tnatvector& hi);
 
 // In place, to the box of the pixels whose value is above v; without any it stays.
 void cropimage(timagefield& f, int64_t v);
@@ -32,5 +34,6 @@ int64_t patchgaps(tscalarfield& f, int axis, int64_t n);
 // The axis reversed in place.
 void flipfield(tscalarfield& f, int axis);
 void flipfield(timagefield& f, int axis);
+void flipfield(tvectorfield& f, int axis);
 // Quarter turns clockwise as seen with y downwards; any multiple of 90 degrees.
 void rotateimage(timagefield& f, int64_t degrees);
