@@ -6,3 +6,4 @@
 
 std::span<const tcommand> linefilerows();
 std::span<const tcommand> lineoperationrows();
+std::span<const tcommand> scalarsamplerows();  // line_sample_commands.cpp, in the scalar family

@@ -7,6 +7,8 @@ PY=/usr/bin/python3
 import nibabel as nib, numpy as np
 u = np.zeros((12, 10, 8, 1, 3), np.float32); u[..., 0] = 1
 nib.save(nib.Nifti1Image(u, np.diag([2.0, 2.0, 2.0, 1.0])), "uniform.nii")
+m = np.zeros((4, 3, 2), np.uint8); m[1, 2, 1] = m[3, 0, 0] = 2; m[0, 0, 0] = 1
+nib.save(nib.Nifti1Image(m, np.diag([1.0, 1.0, 1.0, 1.0])), "m.nii")
 open("mixed.txt", "w").write("object:\tmixed\n1 2 3 4\n\n0 0 0 1\n1 0 0 2\n\n0 0 0 0\n1 0 0 0\n1 1 0 0\n0 0 0 0\n\ngarbage here\n5\t5\t5\t5\n")
 PYEOF
 cat > run.macro <<'MACRO'
@@ -35,11 +37,23 @@ line.clear
 line.load "mixed.txt"
 line.save.obj "mixed.obj"
 line.save.swc "nodir/x.swc"
+line.clear
+scalar.8bit
+scalar.use "m"
+scalar.load "m.nii"
+scalar.samples <2, 3> m m
+n := line.lines
+p := line.points
+print "samples " n " " p
+line.save.txt "samples.txt"
 MACRO
 "$BIN" -strict -macro=run.macro > console.txt 2>&1
 check_eq "$?" 0 "voxmill ran the macro"
 out=$(script_part < console.txt)
 check_contains "$out" "dropped 0" "a share of 100 drops every line"
+check_contains "$out" "samples 2 4" "scalar.samples: a line per voxel in the range, a point per field"
+check_eq "$(grep -c $'\t2$' samples.txt)" 4 "scalar.samples: the fields' values as t"
+check_contains "$(cat samples.txt)" "$(printf '1\t2\t1\t2')" "scalar.samples: the voxel's place"
 cmp -s s.txt again.txt || fail "the native text does not read back to the same file"
 [ -f s.txt.bak ] || fail "an existing native file is kept as .bak"
 ls nodir/x.swc* s.*.part 2>/dev/null && fail "a failed save left a file"
