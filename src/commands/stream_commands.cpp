@@ -63,7 +63,7 @@ void streamcmd(tscript& s) {
   job.test = plain ? tseedtest::zerovector : tseedtest::nonzerovector;
   job.muscle = muscle;
   job.counted = source == tsource::random;
-  job.warnmatrix = !(plain && source == tsource::voxels);
+  job.warnmatrix = nodes || !(plain && source == tsource::voxels);  // all but stream and stream.uniform
   job.nodes = nodes;
   tscalarfield& scalar = currentfield(scalarworkspace);
   const tscalarfield* contrast = settings.stopcontrast != 0 && !fieldempty(scalar) ? &scalar : nullptr;

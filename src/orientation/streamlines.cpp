@@ -170,6 +170,10 @@ void run(const V& vol, const tvectorfield& f, const tstreamsettings& s, const ts
     }
     line.assign(back.rbegin(), back.rend());
     line.insert(line.end(), front.begin(), front.end());
+    if (s.seeds != 0 && visited.used && !line.empty()) {
+      if (line.size() == 1) visited.bits.putchecked(local(line[0])[0], local(line[0])[1], local(line[0])[2], true);
+      for (size_t i = 1; i < line.size(); ++i) visited.bits.line(local(line[i - 1]), local(line[i]), true);
+    }
     if (job.nodes) {
       if (scalar)
         for (size_t i = 0; i < line.size(); ++i) countline(*scalar, local(line[i ? i - 1 : 0]), local(line[i]));
@@ -177,10 +181,6 @@ void run(const V& vol, const tvectorfield& f, const tstreamsettings& s, const ts
     }
     for (const tvector& p : line) addpoint(out, {p[0], p[1], p[2], 0});
     closeline(out, seedcount);
-    if (s.seeds != 0 && visited.used && !line.empty()) {
-      if (line.size() == 1) visited.bits.putchecked(local(line[0])[0], local(line[0])[1], local(line[0])[2], true);
-      for (size_t i = 1; i < line.size(); ++i) visited.bits.line(local(line[i - 1]), local(line[i]), true);
-    }
   }
   if (job.nodes) return;
   if (found < 1) return println("  Found 0 (0%) streamlines from seeds.");
