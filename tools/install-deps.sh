@@ -10,7 +10,7 @@ packages=(build-essential cmake ninja-build zlib1g-dev libgtest-dev libbenchmark
           libclang-rt-14-dev libfreeimage3
           libmagickwand-6.q16-6 python3-pil netpbm pngcheck libtiff-tools
           python3-numpy python3-nibabel nifti-bin libdeflate-dev python3-scipy python3-skimage
-          librsvg2-bin libxml2-utils ghostscript python3-matplotlib
+          librsvg2-bin libxml2-utils ghostscript python3-matplotlib tcl
           python3-vtk9 python3-ezdxf assimp-utils python3-dipy)
 missing=()
 for p in "${packages[@]}"; do

@@ -57,6 +57,8 @@ void scanlines(tlinestore& store, bool nulends) {
     store.linelength.push_back(length);
   }
   store.count = static_cast<int64_t>(store.linestart.size());
+  static int64_t revisions = 0;
+  store.revision = ++revisions;
   if (size > progressstep) progressend();
 }
 

@@ -17,6 +17,7 @@ struct tlinestore {
   std::vector<int64_t> sourcelines;  // empty until the first include
   std::vector<int64_t> sourcefile;   // index into sourcefiles, from 1
   std::vector<utf16> sourcefiles;    // entry 1 is the main file
+  int64_t revision = 0;  // new at each load or splice, for caches of the lines; 0 = none yet
 };
 
 // Reads a plain or gzip file (decided by its first two bytes, or ".gz" in the name).

@@ -1,5 +1,6 @@
 #include "script/registry.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -30,10 +31,10 @@ bool nibblefits(uint8_t kind, tlookup what) {
 }
 
 int64_t findexact(const tscript& s, const utf16& name, tlookup what) {
-  for (auto i = static_cast<int64_t>(s.members.size()) - 1; i >= 0; --i) {
-    const tmember& m = s.members[static_cast<size_t>(i)];
-    if (nibblefits(m.kind, what) && equal(m.name, name)) return i;
-  }
+  const auto chain = s.memberindex.chains.find(name);
+  if (chain == s.memberindex.chains.end()) return -1;
+  for (auto i = chain->second.rbegin(); i != chain->second.rend(); ++i)
+    if (nibblefits(s.members[static_cast<size_t>(*i)].kind, what)) return *i;
   return -1;
 }
 
@@ -72,8 +73,11 @@ int64_t find(const tscript& s, const utf16& name, tlookup what) {
 
 // False, with the message, when the name is registered in the same scope with the same nibble.
 bool isdouble(const tscript& s, const utf16& full, int64_t level, uint8_t kind) {
-  for (const tmember& m : s.members) {
-    if (m.level == level && lownibble(m.kind) == lownibble(kind) && equal(m.name, full)) {
+  const auto chain = s.memberindex.chains.find(full);
+  if (chain == s.memberindex.chains.end()) return false;
+  for (const int64_t i : chain->second) {
+    const tmember& m = s.members[static_cast<size_t>(i)];
+    if (m.level == level && lownibble(m.kind) == lownibble(kind)) {
       println("Attention double syntax member in this scope! (" + utf16toutf8(full) + ")");
       return true;
     }
@@ -91,9 +95,22 @@ bool addmember(tscript& s, const utf16& name, uint8_t kind, thandler h1, thandle
   m.handler2 = h2;
   m.level = level;
   m.bodyline = bodyline;
+  s.memberindex.chains[full].push_back(static_cast<int64_t>(s.members.size()));
+  s.memberindex.highestlevel = std::max(s.memberindex.highestlevel, level);
+  ++s.memberindex.revision;
   s.members.push_back(std::move(m));
   return true;
 }
+
+// What a call needs of a member, copied: a handler may register members and so move the list.
+struct tcallee {
+  utf16 name;
+  uint8_t kind;
+  thandler handler1, handler2;
+  int64_t bodyline;
+};
+
+tcallee callee(const tmember& m) { return {m.name, m.kind, m.handler1, m.handler2, m.bodyline}; }
 
 void report(tscript& s, const utf16& text) {
   println(text);
@@ -126,6 +143,28 @@ bool regscript(tscript& s, const utf16& name, int64_t level, uint8_t kind, int64
   return true;
 }
 
+bool ismember(const tscript& s, const utf16& fullname) { return s.memberindex.chains.contains(fullname); }
+
+void dropmembers(tscript& s, int64_t level) {
+  tmemberindex& index = s.memberindex;
+  if (index.highestlevel < level) return;
+  const auto first = std::find_if(s.members.begin(), s.members.end(), [level](const tmember& m) { return m.level >= level; });
+  const auto from = static_cast<int64_t>(first - s.members.begin());
+  // Positions from `from` on move or go: take them out of their chains (they are the chains'
+  // tails), drop the members, then enter the survivors behind the first dropped one again.
+  for (auto m = first; m != s.members.end(); ++m) {
+    const auto chain = index.chains.find(m->name);
+    if (chain == index.chains.end()) continue;
+    while (!chain->second.empty() && chain->second.back() >= from) chain->second.pop_back();
+    if (chain->second.empty()) index.chains.erase(chain);
+  }
+  std::erase_if(s.members, [level](const tmember& m) { return m.level >= level; });
+  ++index.revision;
+  for (auto i = static_cast<size_t>(from); i < s.members.size(); ++i)
+    index.chains[s.members[i].name].push_back(static_cast<int64_t>(i));
+  index.highestlevel = std::max<int64_t>(level - 1, 0);
+}
+
 void setprefix(tscript& s, const utf16& text) { s.prefix.set(text); }
 void clearprefix(tscript& s) { s.prefix.clear(); }
 
@@ -149,14 +188,13 @@ void callproc(tscript& s, int64_t line, const utf16& name) {
   while (hit < 0 && repair(s, shown)) hit = lookup(s, shown, tlookup::procedure);
   if (hit >= 0) {
     s.undo.push_back(shown);
-    if (s.undo.size() > 100) s.undo.erase(s.undo.begin());
+    if (s.undo.size() > 100) s.undo.pop_front();
   }
   if (hit < 0) {
     if (!s.halted) reportunknown(s, shown, "procedure");
     return;
   }
-  // Copies: a handler may register members and so move the list.
-  const tmember m = s.members[static_cast<size_t>(hit)];
+  const tcallee m = callee(s.members[static_cast<size_t>(hit)]);
   if (lownibble(m.kind) == kind_block) {
     if (!m.handler1 || !m.handler2 || m.bodyline != 0) {
       reportunknown(s, shown, "block");
@@ -192,7 +230,7 @@ void callfunc(tscript& s, const utf16& name) {
     reportunknown(s, s.target.get() + " := " + name, "function");
     return;
   }
-  const tmember m = s.members[static_cast<size_t>(hit)];
+  const tcallee m = callee(s.members[static_cast<size_t>(hit)]);
   if (m.bodyline == 0 && m.handler1) {
     echofunction(s, m.name);
     m.handler1(s);

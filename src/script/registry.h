@@ -16,6 +16,10 @@ void regblock(tscript& s, const utf16& name, thandler enter, thandler leave);
 // Script members (procedure, function, sub); false if a double in the same scope.
 bool regscript(tscript& s, const utf16& name, int64_t level, uint8_t kind, int64_t bodyline,
                const utf16& text1 = utf16(), const utf16& text2 = utf16(), const utf16& text3 = utf16());
+// True when a member of any kind has exactly this full name.
+bool ismember(const tscript& s, const utf16& fullname);
+// Drops all members of `level` and above (the end of a block, the start of a run).
+void dropmembers(tscript& s, int64_t level);
 void setprefix(tscript& s, const utf16& text);
 void clearprefix(tscript& s);
 

@@ -2,7 +2,9 @@
 
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <string_view>
 
 #include "script/frame.h"
 #include "script/registry.h"
@@ -51,6 +53,13 @@ bool isassignment(const utf16& rest) {
   return blank > 1 && charat(rest, blank - 1) == '=';
 }
 
+// The word begins with the ASCII text: the same test as pos(text, word) = 1, without making
+// a text of the literal on every statement.
+bool startsascii(const utf16& word, std::string_view text) {
+  if (!word.lo.starts_with(text)) return false;
+  return std::all_of(word.hi.begin(), word.hi.begin() + static_cast<long>(text.size()), [](char c) { return c == 0; });
+}
+
 void callstatement(tscript& s, const utf16& keyword, const utf16& rest) {
   splitparams(s, rest);
   if (s.halted) return;
@@ -66,7 +75,7 @@ void callstatement(tscript& s, const utf16& keyword, const utf16& rest) {
 void dispatch(tscript& s, tframe& frame, const utf16& keyword) {
   if (tkeywordaction action = findkeyword(keyword)) {
     action(s, frame);
-  } else if (pos("var", keyword) == 1 || pos("local", keyword) == 1 || pos("global", keyword) == 1) {
+  } else if (startsascii(keyword, "var") || startsascii(keyword, "local") || startsascii(keyword, "global")) {
     varstatement(s, keyword, frame.rest);
   } else if (isassignment(frame.rest)) {
     assignment(s, keyword, frame.rest);
@@ -111,12 +120,31 @@ bool nestedtoodeep(const tscript& s) {
   return s.level > maxlevel || deepstack;
 }
 
-// The line cut into its first word (lower case) and the rest, with the one-line forms applied.
-void cutstatement(const tframe& frame, const utf16& text, utf16& keyword, utf16& rest, bool onelineforms) {
-  rest = text;
+// The line cut into its first word (lower case) and the rest; false for a line without a
+// statement. A loop reads the same lines again and again, so the cut is kept per line as long
+// as the store is unchanged; a line hook may change the store at any time, and so gets none.
+bool readstatement(tscript& s, int64_t line, utf16& keyword, utf16& rest) {
+  tstatementcache& cache = s.cache;
+  const bool cacheable = s.store.revision != 0 && !s.linehook;
+  if (cacheable && cache.storerevision != s.store.revision) {
+    cache.storerevision = s.store.revision;
+    cache.lines.assign(static_cast<size_t>(linecount(s.store)) + 1, tpreparedline());
+  }
+  if (cacheable && line < static_cast<int64_t>(cache.lines.size()) && cache.lines[static_cast<size_t>(line)].ready) {
+    const tpreparedline& p = cache.lines[static_cast<size_t>(line)];
+    keyword = p.keyword;
+    rest = p.rest;
+    return !empty(keyword) || !empty(rest);
+  }
+  rest = preparedline(s, line);
+  const bool statement = !empty(rest);
   keyword = lower(cutword(rest, " "));
   rest = longfield(trimblanks(rest));
-  if (onelineforms && !empty(rest)) onelineform(frame, keyword, rest);
+  if (cacheable && line < static_cast<int64_t>(cache.lines.size())) {
+    tpreparedline& p = cache.lines[static_cast<size_t>(line)];
+    p = {true, keyword, rest};
+  }
+  return statement;
 }
 
 int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
@@ -131,12 +159,11 @@ int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
     if (line >= linecount(s.store) || s.halted) return line;
     if (s.linehook) s.linehook(s.store);
     s.line = ++line;
-    const utf16 text = preparedline(s, line);
-    if (empty(text) && storefile < 0) continue;
+    utf16 keyword, rest;
+    if (!readstatement(s, line, keyword, rest) && storefile < 0) continue;
     s.target.clear();
     s.result.clear();
-    utf16 keyword, rest;
-    cutstatement(frame, text, keyword, rest, storefile < 0);
+    if (storefile < 0 && !empty(rest)) onelineform(frame, keyword, rest);
     s.keyword.set(keyword);
     if (equalutf8(keyword, "halt")) {
       splitparams(s, rest);
@@ -210,7 +237,7 @@ void runscript(tscript& s, bool needmembers) {
   s.level = 0;
   s.blocknames.clear();
   s.prefix.clear();
-  std::erase_if(s.members, [](const tmember& m) { return m.level >= 1; });
+  dropmembers(s, 1);
   std::erase_if(s.variables, [](const tvariable& v) { return v.level >= 1; });
   s.modulestart.clear();
   s.modulelevel.clear();

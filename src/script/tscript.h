@@ -1,9 +1,12 @@
 // The script engine object: lines, variables, syntax members and open output files.
 #pragma once
 #include <cstdint>
+#include <deque>
 #include <vector>
 
 #include "script/linestore.h"
+#include "script/memberindex.h"
+#include "script/statementcache.h"
 #include "script/utf16.h"
 #include "shell/files.h"
 
@@ -68,7 +71,8 @@ struct tscript {
   utf16field result;
   utf16field keyword;
 
-  std::vector<tmember> members;
+  std::vector<tmember> members;  // changed only through the registry, which keeps the index
+  tmemberindex memberindex;
   std::vector<int64_t> modulestart, modulelevel;
   std::vector<tvariable> variables;
   std::vector<utf16> withnames;
@@ -77,7 +81,8 @@ struct tscript {
 
   int64_t level = 0;
   std::vector<utf16> blocknames;
-  std::vector<utf16> redo, undo;
+  std::vector<utf16> redo;
+  std::deque<utf16> undo;  // the last 100 procedure names called: the oldest goes at each call
   bool running = false;
   bool halted = false;
   int64_t parallelpart = 0, paralleltotal = 0;
@@ -91,6 +96,7 @@ struct tscript {
   std::vector<uint8_t> rawparamkinds;
   utf16 paramtext;              // the text of the last split, for the raw split on demand
   bool rawparamsready = false;
+  tstatementcache cache;
 
   bool debug = true;           // echo of statements and syntax repair
   bool repairallowed = true;   // the repair dialogue may open

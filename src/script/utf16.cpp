@@ -32,6 +32,11 @@ bool matchesat(const utf16& needle, const utf16& hay, size_t at) {
 
 utf16 utf16fromutf8(std::string_view s) {
   utf16 v;
+  if (std::all_of(s.begin(), s.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+    v.lo.assign(s);
+    v.hi.assign(s.size(), '\0');
+    return v;
+  }
   v.lo.reserve(s.size());
   v.hi.reserve(s.size());
   size_t i = 0;
@@ -103,6 +108,9 @@ utf16 celfromutf16(const utf16& v) { return length(v) <= cellmax ? v : copy(v, 1
 bool equal(const utf16& a, const utf16& b) { return a.lo == b.lo && a.hi == b.hi; }
 
 bool equalutf8(const utf16& a, std::string_view s) {
+  // No character takes less than one byte, so a longer text never equals; the statement
+  // loop's many keyword tests mostly end here.
+  if (a.lo.size() > s.size()) return false;
   // Fast path for the ASCII keywords the statement loop compares with.
   if (std::all_of(s.begin(), s.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
     return a.lo == s && a.hi.find_first_not_of('\0') == std::string::npos && a.hi.size() == a.lo.size();
@@ -221,11 +229,12 @@ utf16 lower(const utf16& v) { return changecase(v, 'A', 'Z', 'a' - 'A'); }
 utf16 upper(const utf16& v) { return changecase(v, 'a', 'z', 'A' - 'a'); }
 
 utf16 replacechar(const utf16& v, uint16_t a, uint16_t b) {
-  utf16 out;
-  const int64_t n = length(v);
-  for (int64_t i = 1; i <= n; ++i) {
-    const uint16_t c = charat(v, i);
-    push(out, c == a ? b : c);
+  utf16 out = v;
+  for (size_t i = 0; i < out.lo.size(); ++i) {
+    if (static_cast<uint8_t>(out.lo[i]) == (a & 0xFF) && static_cast<uint8_t>(out.hi[i]) == (a >> 8)) {
+      out.lo[i] = static_cast<char>(b & 0xFF);
+      out.hi[i] = static_cast<char>(b >> 8);
+    }
   }
   return out;
 }

@@ -1,5 +1,6 @@
 // Printing numbers, lists of numbers and byte sizes as text.
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <string_view>
@@ -12,7 +13,11 @@ namespace {
 
 constexpr std::string_view digits09 = "0123456789";
 
+// The text of printf's "%.*f", without its cost: to_chars promises the same digits.
 std::string fixeddecimals(double x, int decimals) {
+  char buffer[512];
+  const auto [end, failed] = std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::fixed, decimals);
+  if (failed == std::errc()) return std::string(buffer, end);
   const int n = std::snprintf(nullptr, 0, "%.*f", decimals, x);
   std::string s(static_cast<size_t>(n), '\0');
   std::snprintf(s.data(), s.size() + 1, "%.*f", decimals, x);
@@ -132,7 +137,11 @@ std::string reallist(std::span<const double> values, bool full, int decimals) {
 
 }  // namespace
 
-std::string plainrealtext(double x) { return tidy(removenoise(fixeddecimals(x, 16))); }
+std::string plainrealtext(double x) {
+  // Whole numbers of up to 14 digits come out of the long form as their digits alone.
+  if (x == std::trunc(x) && std::fabs(x) < 1e14) return x == 0 ? std::string("0") : std::to_string(static_cast<int64_t>(x));
+  return tidy(removenoise(fixeddecimals(x, 16)));
+}
 
 utf16 realtext(double x) { return utf16(realstring(x, -1)); }
 utf16 roundedrealtext(double x, int digits) { return utf16(realstring(x, std::max(digits, 0))); }
@@ -147,7 +156,11 @@ utf16 natlisttext(std::span<const int64_t> values, bool full) {
 }
 
 utf16 vectortext(const tvector& v) { return reallisttext(v, false); }
-utf16 hypertext(const thyper& h) { return reallisttext(h, false); }
+utf16 hypertext(const thyper& h) {
+  // One component prints as the plain number, without the list's machinery.
+  if (h[1] == 0 && h[2] == 0 && h[3] == 0) return realtext(h[0]);
+  return reallisttext(h, false);
+}
 utf16 fullvectortext(const tvector& v) { return reallisttext(v, true); }
 utf16 fullhypertext(const thyper& h) { return reallisttext(h, true); }
 

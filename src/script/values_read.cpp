@@ -1,4 +1,5 @@
 // Reading numbers from text, and the language's one expression evaluator.
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -35,22 +36,24 @@ tscantext scantext(const utf16& text, bool units) {
   static constexpr uint16_t degree = 0x00B0, pi = 0x03C0;
   tscantext t;
   const int64_t n = length(text);
-  for (int64_t i = 1; i <= n; ++i) {
-    const uint16_t c = charat(text, i);
-    std::string piece;
-    if (units && c == degree) {
-      piece = unitconstant("*0.01745329251994329509");
-    } else if (units && c == '%') {
-      piece = unitconstant("*0.01");
-    } else if (units && c == pi) {
-      piece = unitconstant("3.141592653589793116");
-    } else if (c > 255) {
-      piece = std::string(1, foreign);
-    } else {
-      piece = std::string(1, static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c));
-    }
+  t.chars.reserve(static_cast<size_t>(n));
+  t.consumed.reserve(static_cast<size_t>(n));
+  auto add = [&t](std::string_view piece, int64_t i) {
     t.chars += piece;
     t.consumed.insert(t.consumed.end(), piece.size(), i);
+  };
+  for (int64_t i = 1; i <= n; ++i) {
+    const uint16_t c = charat(text, i);
+    if (units && c == degree) {
+      add(unitconstant("*0.01745329251994329509"), i);
+    } else if (units && c == '%') {
+      add(unitconstant("*0.01"), i);
+    } else if (units && c == pi) {
+      add(unitconstant("3.141592653589793116"), i);
+    } else {
+      t.chars.push_back(c > 255 ? foreign : static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c));
+      t.consumed.push_back(i);
+    }
   }
   return t;
 }
@@ -68,6 +71,7 @@ bool inrun(char c) {
 
 // Cuts the number run off the front of the text; leading words and brackets go with it.
 std::string cutrun(utf16& text, bool units) {
+  if (empty(text)) return std::string();
   const tscantext t = scantext(text, units);
   const std::string& s = t.chars;
   size_t from = 0;
@@ -162,6 +166,7 @@ double comparison(double left, char op, std::string_view& s) {
 
 double runvalue(const std::string& run) {
   double value = 0;
+  if (run.empty()) return 0;  // a missing component
   if (convert(run, value)) return value;
   return expression(rewrite(run));
 }
@@ -237,7 +242,24 @@ std::array<T, N> readeach(utf16 text, Reader read) {
 
 }  // namespace
 
+namespace {
+
+// A plain integer, the most common value of all, read without the scanner; the same
+// conversion as the scanner's for the same run.
+bool plaininteger(const utf16& text, double& value) {
+  const std::string& s = text.lo;
+  const size_t digits = !s.empty() && s[0] == '-' ? 1 : 0;
+  if (digits == s.size() || s.size() > 30) return false;
+  if (!std::all_of(s.begin() + static_cast<long>(digits), s.end(), isdecimal)) return false;
+  if (text.hi.find_first_not_of('\0') != std::string::npos) return false;
+  return convert(s, value);
+}
+
+}  // namespace
+
 double textreal(const utf16& text) {
+  double value = 0;
+  if (plaininteger(text, value)) return value;
   utf16 t = text;
   return cutreal(t);
 }
@@ -247,8 +269,16 @@ int64_t textnat(const utf16& text) {
   return cutnat(t);
 }
 
-tvector textvector(const utf16& text) { return readeach<double, 3>(text, cutreal); }
-thyper texthyper(const utf16& text) { return readeach<double, 4>(text, cutreal); }
+tvector textvector(const utf16& text) {
+  double value = 0;
+  if (plaininteger(text, value)) return {value, 0, 0};
+  return readeach<double, 3>(text, cutreal);
+}
+thyper texthyper(const utf16& text) {
+  double value = 0;
+  if (plaininteger(text, value)) return {value, 0, 0, 0};
+  return readeach<double, 4>(text, cutreal);
+}
 tcomplex textcomplex(const utf16& text) { return readeach<double, 2>(text, cutreal); }
 tnatvector textnatvector(const utf16& text) { return readeach<int64_t, 3>(text, cutnat); }
 tnathyper textnathyper(const utf16& text) { return readeach<int64_t, 4>(text, cutnat); }

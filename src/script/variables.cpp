@@ -8,17 +8,16 @@
 
 namespace {
 
-utf16 variablename(const utf16& name) { return lower(replacechar(name, ' ', '.')); }
+utf16 variablename(const utf16& name) {
+  const bool plain = std::none_of(name.lo.begin(), name.lo.end(), [](char c) { return c == ' ' || (c >= 'A' && c <= 'Z'); });
+  return plain ? name : lower(replacechar(name, ' ', '.'));
+}
 
 // Index of the first variable of `level` or above; the list is ordered by level.
 size_t firstoflevel(const tscript& s, int64_t level) {
   const auto at = std::lower_bound(s.variables.begin(), s.variables.end(), level,
                                    [](const tvariable& v, int64_t l) { return v.level < l; });
   return static_cast<size_t>(at - s.variables.begin());
-}
-
-bool ismembername(const tscript& s, const utf16& name) {
-  return std::any_of(s.members.begin(), s.members.end(), [&](const tmember& m) { return equal(m.name, name); });
 }
 
 // Tab-separated elements of a value; an empty value has one (empty) element.
@@ -80,7 +79,7 @@ namespace {
 bool assignable(tscript& s, utf16& key, utf16& text) {
   elementtarget(s, key, text);
   key = variablename(key);
-  if (!ismembername(s, key)) return true;
+  if (!ismember(s, key)) return true;
   reporterror(s, utf16("overloaded identifier: ") + key);
   return false;
 }
@@ -105,7 +104,9 @@ void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level)
 }
 
 void newlocal(tscript& s, const utf16& name, const utf16& value) {
-  s.variables.push_back({celfromutf16(variablename(name)), celfromutf16(value), s.level + 1});
+  utf16 key = variablename(name);
+  if (length(key) > cellmax) key = copy(key, 1, cellmax);
+  s.variables.push_back({std::move(key), celfromutf16(value), s.level + 1});
 }
 
 utf16 getvar(const tscript& s, const utf16& name) {
@@ -118,7 +119,7 @@ int64_t hasvar(const tscript& s, const utf16& name) { return findvariable(s, var
 void closelevel(tscript& s) {
   const int64_t l = s.level;
   if (l <= 0) return;  // level 0 holds the built-ins and the start variables
-  std::erase_if(s.members, [l](const tmember& m) { return m.level >= l; });
+  dropmembers(s, l);
   s.modulestart.clear();
   s.modulelevel.clear();
   s.variables.resize(firstoflevel(s, l));
@@ -220,8 +221,8 @@ uint16_t closer(uint16_t open) {
   }
 }
 
-// One split of the statement text into words with kinds; raw = < and > protect nothing.
-void split(tscript& s, utf16 text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+// The statement text cut into words with kinds; raw = < and > protect nothing.
+void cutwords(const tscript& s, utf16 text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
   words.clear();
   kinds.clear();
   for (;;) {
@@ -257,6 +258,37 @@ void split(tscript& s, utf16 text, bool raw, std::vector<utf16>& words, std::vec
     words.push_back(celfromutf16(word));
     kinds.push_back(kind);
   }
+}
+
+// The cut depends on the text and the members; the number settings change what "#", "$" and
+// "%" words give, so texts with those are cut each time.
+void cachedcutwords(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+  tstatementcache& cache = s.cache;
+  const bool cacheable = text.lo.find_first_of("#$%") == std::string::npos;
+  if (!cacheable) {
+    cutwords(s, text, raw, words, kinds);
+    return;
+  }
+  if (cache.memberrevision != s.memberindex.revision) {
+    cache.memberrevision = s.memberindex.revision;
+    cache.cuts[0].clear();
+    cache.cuts[1].clear();
+  }
+  auto& cuts = cache.cuts[raw ? 1 : 0];
+  const auto hit = cuts.find(text);
+  if (hit != cuts.end()) {
+    words = hit->second.words;
+    kinds = hit->second.kinds;
+    return;
+  }
+  cutwords(s, text, raw, words, kinds);
+  if (cuts.size() >= 4096) cuts.clear();  // a bound for scripts that make ever new texts
+  cuts.emplace(text, tcutwords{words, kinds});
+}
+
+// One split of the statement text into words with kinds, each word then substituted.
+void split(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+  cachedcutwords(s, text, raw, words, kinds);
   for (size_t i = 0; i < words.size() && !s.halted; ++i) {
     utf16& w = words[i];
     if (empty(w)) continue;

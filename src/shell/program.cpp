@@ -13,6 +13,7 @@
 #include "script/run.h"
 #include "script/tscript.h"
 #include "script/variables.h"
+#include "shell/cluster.h"
 #include "shell/console.h"
 #include "shell/files.h"
 #include "shell/options.h"
@@ -125,10 +126,15 @@ int runprogram(int argc, char** argv) {
   bool first = false;
   utf16 macro;
   declareoptions(first, macro);
+  const tclustersetting cluster = declareclusteroptions(options);
   helpfooter(options, "voxmill -image.input=*.ppm -image.type=png");
   commandlinevariables();
   finish(options);
   setvarquiet(script, "thread.max", utf16(std::to_string(std::max(1u, std::thread::hardware_concurrency()))));
+  setvarquiet(script, "parallel.part", utf16(std::to_string(cluster.part)));
+  setvarquiet(script, "parallel.total", utf16(std::to_string(cluster.total)));
+  script.parallelpart = cluster.part;
+  script.paralleltotal = cluster.total;
   createworkspaces();
   registerallcommands(script);
 
@@ -139,11 +145,12 @@ int runprogram(int argc, char** argv) {
     writeexample();
   }
   runscript(script);
+  const bool failed = !script.lasterror.isempty();
   workspacerelease(tableworkspace);
   releaseworkspaces();
   imagelibrariesclose();
   script = tscript();
   flushconsole();
   logclose();
-  return 0;
+  return cluster.exitcode && failed ? 1 : 0;
 }

@@ -49,3 +49,31 @@ TEST(Variables, ParametersAreSplitByKind) {
                                       param_quoted, param_bracketed, param_bracketed, param_element};
   EXPECT_EQ(s.paramkinds, kinds);
 }
+
+TEST(Registry, ShadowingEndsWithItsLevelAndPluralsStillFind) {
+  tscript s;
+  regproc(s, "image.size", nothing);
+  regscript(s, "image.size", 2, kind_procedure, 5);
+  regscript(s, "inner", 2, kind_procedure, 6);
+  regproc(s, "late", other);  // a built-in behind script members moves when they go
+  EXPECT_EQ(lookup(s, "image.sizes", tlookup::procedure), 1);
+  dropmembers(s, 2);
+  ASSERT_EQ(s.members.size(), 2u);
+  EXPECT_EQ(lookup(s, "image.sizes", tlookup::procedure), 0);
+  EXPECT_EQ(lookup(s, "late", tlookup::procedure), 1);
+  EXPECT_FALSE(ismember(s, "inner"));
+  EXPECT_TRUE(regscript(s, "inner", 2, kind_procedure, 8));  // no double: the old one is gone
+}
+
+TEST(Variables, KindsFollowTheMembersAndValuesFollowTheVariables) {
+  tscript s;
+  setvar(s, "v", "1");
+  splitparams(s, "f v");
+  EXPECT_EQ(s.paramkinds[0], param_plain);
+  EXPECT_EQ(utf16toutf8(s.params[1]), "1");
+  regfunc(s, "f", nothing);
+  setvar(s, "v", "2");
+  splitparams(s, "f v");
+  EXPECT_EQ(s.paramkinds[0], param_function);
+  EXPECT_EQ(utf16toutf8(s.params[1]), "2");
+}

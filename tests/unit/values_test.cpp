@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
+#include <string>
+#include <vector>
 #include <limits>
 
 #include "script/values.h"
@@ -439,3 +442,32 @@ TEST_F(Values, PositionsOutsideTheAxisFallBackToTheMiddle) {
 }
 
 }  // namespace
+
+// The long form through printf's "%.16f", with the noise digits and the trailing point cut:
+// the model the quick paths of number printing must match.
+std::string plainmodel(double x) {
+  char buffer[512];
+  std::snprintf(buffer, sizeof buffer, "%.16f", x);
+  std::string s = buffer;
+  const size_t point = s.find('.');
+  if (2 * (point + 1) <= s.size()) {
+    const size_t n = s.size();
+    bool cut = true;
+    if (s[n - 1] != '0') {
+      if (s[n - 2] == '0') s.resize(n - 1);
+      else if (s[n - 3] == '0') s.resize(n - 2);
+      else cut = false;
+    }
+    while (cut && s.back() == '0') s.pop_back();
+  }
+  if (s.back() == '.') s.pop_back();
+  if (s.size() > 1 && s[0] == '-' && s.find_first_not_of("0.", 1) == std::string::npos) s.erase(0, 1);
+  return s;
+}
+
+TEST_F(Values, PlainPrintMatchesTheLongForm) {
+  std::vector<double> xs = {0.0, -0.0, 1, -1, 7, 99999999999999, -99999999999999, 1e14, -1e14, 123456789012345,
+                            1e15, 0.5, 1.0 / 3, -2.0 / 3, 1e-7, 1.1, 1e300, -1e-300, 4503599627370497.0};
+  for (int i = 1; i <= 2000; ++i) xs.push_back(static_cast<double>(i * i) / 7.0 - 1000);
+  for (const double x : xs) EXPECT_EQ(plainrealtext(x), plainmodel(x)) << x;
+}
