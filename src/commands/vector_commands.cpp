@@ -1,5 +1,6 @@
 // The vector and tensor families: workspace, place in space and the storage of new fields.
 #include "commands/families.h"
+#include "commands/tensor_rows.h"
 #include "commands/fieldrows.h"
 #include "commands/stream_rows.h"
 #include "commands/vector_rows.h"
@@ -53,6 +54,6 @@ tcommandfamily vectorcommands() {
 
 tcommandfamily tensorcommands() {
   static const std::vector<tcommand> rows =
-      prefixed("tensor.", {workspacerows<tensorworkspace>(), tensorrows, spatialrows<tensorworkspace>()});
+      prefixed("tensor.", {workspacerows<tensorworkspace>(), tensorrows, spatialrows<tensorworkspace>(), tensorfilerows(), tensormeasurerows()});
   return {"tensor.", rows};
 }

@@ -1,7 +1,8 @@
-// The vector family's files (vector_file_commands.cpp).
+// The vector and tensor families' files (vector_file_commands.cpp).
 #pragma once
 #include <span>
 
 #include "commands/commandtable.h"
 
 std::span<const tcommand> vectorfilerows();
+std::span<const tcommand> tensorfilerows();

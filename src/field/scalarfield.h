@@ -40,6 +40,7 @@ struct tscalarfield {
   bool fullscanlocal = false;
   double diffusionangle = degreestoradians(5);
   double diffusionmax = 0.25;
+  uint8_t connection = 0;  // the connection method; 0 behaves as 5
 };
 
 template <class F, class Op>

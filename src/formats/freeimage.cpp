@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "formats/imagecodec.h"
+#include "formats/imagelibchild.h"
 #include "formats/runtimelib.h"
 #include "shell/console.h"
 #include "shell/files.h"
@@ -139,52 +140,42 @@ void closefreeimage() {
 bool freeimageload(timagefield& f, const utf16& name) {
   if (!freeimage.enabled || !fileexists(name)) return false;
   const std::string path = systempath(name);
-  tquiet quiet;
-  int fif = fi.GetFileType(path.c_str(), 0);
-  if (fif == fifunknown) fif = fi.GetFIFFromFilename(path.c_str());
-  if (fif == fifunknown) fif = fiformatbyextension(path);
-  if (fif == fifunknown) return false;
-  FIBITMAP* dib = fi.Load(fif, path.c_str(), 0);
-  if (!dib) return false;
-  FIBITMAP* (*convert)(FIBITMAP*) = f.kind == imagegray       ? fi.ConvertToGreyscale
-                                    : f.kind == imagefullgray ? fi.ConvertToUINT16
-                                    : f.kind == imagergba     ? fi.ConvertTo32Bits
+  const uint8_t kind = f.kind;
+  return isolatedload(f, name, filabel(kind), [&](timagechild& child) {
+    int fif = fi.GetFileType(path.c_str(), 0);
+    if (fif == fifunknown) fif = fi.GetFIFFromFilename(path.c_str());
+    if (fif == fifunknown) fif = fiformatbyextension(path);
+    if (fif == fifunknown) return false;
+    FIBITMAP* dib = fi.Load(fif, path.c_str(), 0);
+    if (!dib) return false;
+    FIBITMAP* (*convert)(FIBITMAP*) = kind == imagegray       ? fi.ConvertToGreyscale
+                                      : kind == imagefullgray ? fi.ConvertToUINT16
+                                      : kind == imagergba     ? fi.ConvertTo32Bits
                                                               : fi.ConvertTo24Bits;
-  FIBITMAP* image = convert(dib);
-  fi.Unload(dib);
-  if (!image) return false;
-  const int64_t w = fi.GetWidth(image), h = fi.GetHeight(image);
-  const uint8_t* bits = fi.GetBits(image);
-  bool ok = bits && readsize(f, w, h);
-  if (ok) {
-    const int64_t bpp = kindbpp(f.kind), pitch = fipitch(w, bpp);
-    const int channels = colourkind(f.kind) ? (f.kind == imagergba ? 4 : 3) : 1;
-    timageprogress p = progressbegin(filabel(f.kind), w, h);
-    std::vector<int64_t> row(static_cast<size_t>(w * channels));
-    imagefillrows(f, channels, row.data(), [&](int64_t y, int64_t* out) {
-      progressrow(p, y);
-      const uint8_t* src = bits + (h - y) * pitch;
-      for (int64_t x = 0; x < w; ++x) {
-        if (bpp == 8) {
-          out[x] = src[x];
-        } else if (bpp == 16) {
-          uint16_t v;
-          std::memcpy(&v, src + 2 * x, 2);
-          out[x] = v;
-        } else {
-          // Blue, green, red (and alpha) on a little-endian machine.
-          const uint8_t* px = src + x * (bpp / 8);
-          out[x * channels] = px[2], out[x * channels + 1] = px[1], out[x * channels + 2] = px[0];
-          if (channels == 4) out[x * 4 + 3] = px[3];
+    // The bitmaps are not unloaded: the child's end gives all back at once.
+    FIBITMAP* image = convert(dib);
+    if (!image) return false;
+    const int64_t w = fi.GetWidth(image), h = fi.GetHeight(image), bpp = kindbpp(kind), pitch = fipitch(w, bpp);
+    const int channels = kind == imagergba ? 4 : bpp == 24 ? 3 : 1, samplebytes = bpp == 16 ? 2 : 1;
+    const uint8_t* bits = fi.GetBits(image);
+    uint8_t* rows = bits ? child.rows(w, h, channels, samplebytes) : nullptr;
+    if (!rows) return false;
+    const int64_t rowbytes = w * channels * samplebytes;
+    for (int64_t y = 0; y < h; ++y) {
+      const uint8_t* src = bits + (h - 1 - y) * pitch;
+      uint8_t* out = rows + y * rowbytes;
+      if (channels == 1) {
+        std::memcpy(out, src, static_cast<size_t>(rowbytes));
+      } else {
+        // Blue, green, red (and alpha) on a little-endian machine.
+        for (int64_t x = 0; x < w; ++x, src += channels, out += channels) {
+          out[0] = src[2], out[1] = src[1], out[2] = src[0];
+          if (channels == 4) out[3] = src[3];
         }
       }
-      return true;
-    });
-    progressdone(p);
-    readdone(f, name);
-  }
-  fi.Unload(image);
-  return ok;
+    }
+    return true;
+  });
 }
 
 bool freeimagesave(timagefield& f, const utf16& name) {
@@ -193,49 +184,32 @@ bool freeimagesave(timagefield& f, const utf16& name) {
   int fif = fi.GetFIFFromFilename(path.c_str());
   if (fif == fifunknown) fif = fiformatbyextension(path);
   if (fif == fifunknown) return false;
-  const int64_t w = imagesizex(f), h = imagesizey(f), bpp = kindbpp(f.kind);
-  const bool full = f.kind == imagefullgray;
-  const unsigned red = bpp >= 24 ? 0x00FF0000u : 0, green = bpp >= 24 ? 0x0000FF00u : 0, blue = bpp >= 24 ? 0x000000FFu : 0;
-  FIBITMAP* image = fi.AllocateT(full ? fituint16 : fitbitmap, static_cast<int>(w), static_cast<int>(h),
-                                 static_cast<int>(bpp), red, green, blue);
-  if (!image) return false;
-  uint8_t* bits = fi.GetBits(image);
-  const int64_t pitch = fipitch(w, bpp);
-  timageprogress p = progressbegin(filabel(f.kind), w, h);
-  if (full) {
-    std::vector<uint16_t> row(static_cast<size_t>(w));
-    imageemitrows(f, 1, row.data(), [&](int64_t y, const uint16_t* v) {
-      std::memcpy(bits + (h - y) * pitch, v, static_cast<size_t>(2 * w));
-      return true;
-    });
-  } else {
-    const int channels = static_cast<int>(bpp / 8);
-    std::vector<uint8_t> row(static_cast<size_t>(w * channels));
-    imageemitrows(f, channels, row.data(), [&](int64_t y, const uint8_t* v) {
-      progressrow(p, y);
-      uint8_t* out = bits + (h - y) * pitch;
-      for (int64_t x = 0; x < w; ++x) {
-        const uint8_t* c = v + x * channels;
-        uint8_t* px = out + x * channels;
-        if (channels == 1) {
-          px[0] = c[0];
-        } else {
-          px[0] = c[2], px[1] = c[1], px[2] = c[0];
-          if (channels == 4) px[3] = c[3];
-        }
+  const int64_t bpp = kindbpp(f.kind);
+  const int channels = f.kind == imagergba ? 4 : bpp == 24 ? 3 : 1, samplebytes = bpp == 16 ? 2 : 1;
+  return isolatedsave(f, name, filabel(f.kind), channels, samplebytes,
+                      [&](timagechild&, const tencoderows& in, const std::string& part) {
+    const unsigned red = bpp >= 24 ? 0x00FF0000u : 0, green = bpp >= 24 ? 0x0000FF00u : 0, blue = bpp >= 24 ? 0x000000FFu : 0;
+    FIBITMAP* image = fi.AllocateT(samplebytes == 2 ? fituint16 : fitbitmap, static_cast<int>(in.w), static_cast<int>(in.h),
+                                   static_cast<int>(bpp), red, green, blue);
+    if (!image) return false;
+    uint8_t* bits = fi.GetBits(image);
+    const int64_t pitch = fipitch(in.w, bpp), rowbytes = in.w * channels * samplebytes;
+    for (int64_t y = 0; y < in.h; ++y) {
+      const uint8_t* c = in.data + y * rowbytes;
+      uint8_t* px = bits + (in.h - 1 - y) * pitch;
+      if (channels == 1) {
+        std::memcpy(px, c, static_cast<size_t>(rowbytes));
+        continue;
       }
-      return true;
-    });
-  }
-  progressdone(p);
-  tquiet quiet;
-  bool ok = fi.Save(fif, image, path.c_str(), 0) != 0;
-  if (!ok && fif == fifgif && bpp == 24 && fi.ColorQuantize) {
-    if (FIBITMAP* palette = fi.ColorQuantize(image, 0)) {
-      ok = fi.Save(fif, palette, path.c_str(), 0) != 0;
-      fi.Unload(palette);
+      for (int64_t x = 0; x < in.w; ++x, c += channels, px += channels) {
+        px[0] = c[2], px[1] = c[1], px[2] = c[0];
+        if (channels == 4) px[3] = c[3];
+      }
     }
-  }
-  fi.Unload(image);
-  return ok;
+    bool ok = fi.Save(fif, image, part.c_str(), 0) != 0;
+    if (!ok && fif == fifgif && bpp == 24 && fi.ColorQuantize) {
+      if (FIBITMAP* palette = fi.ColorQuantize(image, 0)) ok = fi.Save(fif, palette, part.c_str(), 0) != 0;
+    }
+    return ok;
+  });
 }

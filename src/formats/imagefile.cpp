@@ -67,7 +67,7 @@ bool imageload(timagefield& f, const utf16& name, uint8_t kind) {
   fieldcreate(f, kind);
   if (f.kind == 0) return false;
   println("Read file (" + shortname(name) + ").");
-  bool done = freeimageload(f, name) || magickload(f, name) || ownread(f, name);
+  bool done = (librariesasked(f.kind, name) && (freeimageload(f, name) || magickload(f, name))) || ownread(f, name);
   if (done && fieldempty(f)) done = false;
   if (!done) {
     fieldcreate(f, f.kind);

@@ -32,6 +32,9 @@ void closefreeimage();
 void openmagick();
 void closemagick();
 
+// False where the own reader gives the same pixels as the libraries, only sooner (binary
+// PNM of 8 bits): then they are not asked.
+bool librariesasked(uint8_t kind, const utf16& name);
 // True when the library is enabled and did the work; false lets the next one try.
 bool freeimageload(timagefield& f, const utf16& name);
 bool freeimagesave(timagefield& f, const utf16& name);

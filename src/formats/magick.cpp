@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "formats/imagecodec.h"
+#include "formats/imagelibchild.h"
 #include "formats/runtimelib.h"
 #include "shell/console.h"
 #include "shell/files.h"
@@ -107,12 +108,11 @@ void openmagick() {
 
 namespace {
 
-// The wand's last error as one line; false for the caller to pass on.
-bool magickerror(MagickWand* wand) {
+// The wand's last error as one line for the parent to print; false for the caller to pass on.
+bool magickerror(timagechild& child, MagickWand* wand) {
   int severity = 0;
   char* text = im.MagickGetException(wand, &severity);
-  println("Imagemagick error (" + std::to_string(severity) + "): " + (text ? text : ""));
-  if (text) im.MagickRelinquishMemory(text);
+  child.note("Imagemagick error (" + std::to_string(severity) + "): " + (text ? text : ""));
   return false;
 }
 
@@ -129,83 +129,60 @@ void closemagick() {
 bool magickload(timagefield& f, const utf16& name) {
   if (!imagemagick.enabled || !fileexists(name)) return false;
   const std::string path = systempath(name);
-  tquiet quiet;
-  MagickWand* wand = im.NewMagickWand();
-  if (!wand) return false;
-  bool ok = im.MagickReadImage(wand, path.c_str()) != 0 || magickerror(wand);
-  const int64_t w = ok ? static_cast<int64_t>(im.MagickGetImageWidth(wand)) : 0;
-  const int64_t h = ok ? static_cast<int64_t>(im.MagickGetImageHeight(wand)) : 0;
-  ok = ok && readsize(f, w, h);
-  if (ok) {
-    const bool full = f.kind == imagefullgray;
-    const int channels = colourkind(f.kind) ? (f.kind == imagergba ? 4 : 3) : 1;
-    static const char* const labels[] = {"  Grey (IM) with (", "  Fullgrey (IM) with (", "  RGB (IM) with (",
-                                         "  RGBA (IM) with (", "  ZRGB (IM) with ("};
-    const int which = f.kind == imagegray ? 0 : full ? 1 : f.kind == imagergb ? 2 : f.kind == imagergba ? 3 : 4;
-    timageprogress p = progressbegin(labels[which], w, h);
+  const uint8_t kind = f.kind;
+  static const char* const labels[] = {"  Grey (IM) with (", "  Fullgrey (IM) with (", "  RGB (IM) with (",
+                                       "  RGBA (IM) with (", "  ZRGB (IM) with ("};
+  const int which = kind == imagegray ? 0 : kind == imagefullgray ? 1 : kind == imagergb ? 2 : kind == imagergba ? 3 : 4;
+  return isolatedload(f, name, labels[which], [&](timagechild& child) {
+    // The wand is not destroyed: the child's end gives all back at once.
+    MagickWand* wand = im.NewMagickWand();
+    if (!wand) return false;
+    if (im.MagickReadImage(wand, path.c_str()) == 0) return magickerror(child, wand);
+    const int64_t w = static_cast<int64_t>(im.MagickGetImageWidth(wand)), h = static_cast<int64_t>(im.MagickGetImageHeight(wand));
+    const bool full = kind == imagefullgray;
+    const int channels = colourkind(kind) ? (kind == imagergba ? 4 : 3) : 1;
+    uint8_t* rows = child.rows(w, h, channels, full ? 2 : 1);
+    if (!rows) return false;
+    // Quantum-free 16-bit samples; fullgray keeps them, the byte kinds their high byte.
     std::vector<uint16_t> samples(static_cast<size_t>(w * channels));
-    std::vector<int64_t> row(samples.size());
-    ok = imagefillrows(f, channels, row.data(), [&](int64_t y, int64_t* out) {
-      progressrow(p, y);
-      if (!im.MagickExportImagePixels(wand, 0, y - 1, static_cast<size_t>(w), 1, immap(f.kind), shortpixel,
-                                      samples.data()))
-        return magickerror(wand);
-      // Quantum-free 16-bit samples; fullgray keeps them, the byte kinds their high byte.
-      for (size_t i = 0; i < samples.size(); ++i) out[i] = full ? samples[i] : samples[i] >> 8;
-      return true;
-    });
-    progressdone(p);
-    if (ok) readdone(f, name);
-  }
-  im.DestroyMagickWand(wand);
-  return ok;
+    for (int64_t y = 0; y < h; ++y) {
+      if (!im.MagickExportImagePixels(wand, 0, y, static_cast<size_t>(w), 1, immap(kind), shortpixel, samples.data()))
+        return magickerror(child, wand);
+      if (full)
+        std::memcpy(rows + y * w * 2, samples.data(), samples.size() * 2);
+      else
+        for (size_t i = 0; i < samples.size(); ++i) rows[static_cast<size_t>(y * w * channels) + i] = static_cast<uint8_t>(samples[i] >> 8);
+    }
+    return true;
+  });
 }
 
 bool magicksave(timagefield& f, const utf16& name) {
   if (!imagemagick.enabled) return false;
-  const std::string path = systempath(name);
-  const int64_t w = imagesizex(f), h = imagesizey(f);
   const bool colour = colourkind(f.kind), full = f.kind == imagefullgray, alpha = f.kind == imagergba;
-  tquiet quiet;
-  MagickWand* wand = im.NewMagickWand();
-  if (!wand) return false;
-  PixelWand* background = im.NewPixelWand();
-  im.PixelSetBlack(background, 0);
-  im.PixelSetAlpha(background, 1);
-  bool ok = im.MagickNewImage(wand, static_cast<size_t>(w), static_cast<size_t>(h), background) != 0 || magickerror(wand);
-  im.DestroyPixelWand(background);
-  if (ok) {
-    const int q = quantumdepth <= 8 ? 0 : quantumdepth <= 16 ? 1 : quantumdepth <= 32 ? 2 : 3;
-    static const char* const graylabels[] = {"  Grey (IM:RGB) with (", "  Grey (IM:Fullrgb) with (",
-                                             "  Grey (IM:Floatrgb) with (", "  Grey (IM:Doublergb) with ("};
-    static const char* const rgblabels[] = {"  RGB (IM)with (", "  RGB (IM:Fullrgba) with (",
-                                            "  RGB (IM:Floatrgba) with (", "  RGB (IM:Doublergba) with ("};
-    timageprogress p = progressbegin(colour ? rgblabels[q] : graylabels[q], w, h);
+  const int q = quantumdepth <= 8 ? 0 : quantumdepth <= 16 ? 1 : quantumdepth <= 32 ? 2 : 3;
+  static const char* const graylabels[] = {"  Grey (IM:RGB) with (", "  Grey (IM:Fullrgb) with (",
+                                           "  Grey (IM:Floatrgb) with (", "  Grey (IM:Doublergb) with ("};
+  static const char* const rgblabels[] = {"  RGB (IM)with (", "  RGB (IM:Fullrgba) with (",
+                                          "  RGB (IM:Floatrgba) with (", "  RGB (IM:Doublergba) with ("};
+  const int channels = colour ? (alpha ? 4 : 3) : 1;
+  const uint8_t kind = f.kind;
+  return isolatedsave(f, name, colour ? rgblabels[q] : graylabels[q], channels, full ? 2 : 1,
+                      [&](timagechild& child, const tencoderows& in, const std::string& part) {
+    MagickWand* wand = im.NewMagickWand();
+    if (!wand) return false;
+    PixelWand* background = im.NewPixelWand();
+    im.PixelSetBlack(background, 0);
+    im.PixelSetAlpha(background, 1);
+    if (im.MagickNewImage(wand, static_cast<size_t>(in.w), static_cast<size_t>(in.h), background) == 0)
+      return magickerror(child, wand);
     if (alpha) im.SetImageAlphaChannel(im.GetImageFromMagickWand(wand), activatealpha);
     im.MagickSetImageColorspace(wand, colour ? srgbcolorspace : graycolorspace);
-    const int channels = colour ? (alpha ? 4 : 3) : 1;
-    if (full) {
-      std::vector<uint16_t> row(static_cast<size_t>(w));
-      ok = imageemitrows(f, 1, row.data(), [&](int64_t y, const uint16_t* v) {
-        progressrow(p, y);
-        return im.MagickImportImagePixels(wand, 0, y - 1, static_cast<size_t>(w), 1, "I", shortpixel, v) != 0 ||
-               magickerror(wand);
-      });
-    } else {
-      std::vector<uint8_t> row(static_cast<size_t>(w * channels));
-      ok = imageemitrows(f, channels, row.data(), [&](int64_t y, const uint8_t* v) {
-        progressrow(p, y);
-        return im.MagickImportImagePixels(wand, 0, y - 1, static_cast<size_t>(w), 1, immap(f.kind), charpixel, v) != 0 ||
-               magickerror(wand);
-      });
-    }
-    progressdone(p);
-    if (ok) {
-      im.MagickSetImageType(wand, colour ? (alpha ? truecolormattetype : truecolortype) : grayscaletype);
-      im.MagickSetImageDepth(wand, full ? 16 : 8);
-      ok = im.MagickWriteImage(wand, path.c_str()) != 0 || magickerror(wand);
-    }
-  }
-  im.DestroyMagickWand(wand);
-  return ok;
+    if (im.MagickImportImagePixels(wand, 0, 0, static_cast<size_t>(in.w), static_cast<size_t>(in.h),
+                                   full ? "I" : immap(kind), full ? shortpixel : charpixel, in.data) == 0)
+      return magickerror(child, wand);
+    im.MagickSetImageType(wand, colour ? (alpha ? truecolormattetype : truecolortype) : grayscaletype);
+    im.MagickSetImageDepth(wand, full ? 16 : 8);
+    return im.MagickWriteImage(wand, part.c_str()) != 0 || magickerror(child, wand);
+  });
 }

@@ -1,5 +1,6 @@
 #include "formats/pnm.h"
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -277,9 +278,57 @@ bool readcolour(timagefield& f, tpnmtokens& t, tpnmheader& head, int64_t size) {
   return true;
 }
 
+// Binary gray of 8 bits into gray goes from the file straight into the plane, with no
+// whole-file buffer between: one copy instead of two. false: the file is not of this kind
+// (or its header reaches beyond the first block), and the general path reads it.
+bool directgray(timagefield& f, const utf16& name, bool& ok) {
+  if (f.kind != imagegray || gzipextension(name) || !fileexists(name)) return false;
+  tfile file;
+  if (!readfile(file, name, true)) return false;
+  uint8_t first[4096];
+  size_t got = 0;
+  readblock(file, first, sizeof first, &got);
+  tpnmtokens t{{first, static_cast<int64_t>(got), 0}};
+  tpnmheader head;
+  readmagic(t, head);
+  if (head.magic != 5 || head.magictext != "P5" || !readheader(t, head) || t.r.at >= static_cast<int64_t>(got) ||
+      head.maxval < 1 || head.maxval > 255 || head.w < 1 || head.h < 1) {
+    closefile(file);
+    return false;
+  }
+  const int64_t size = filesize(name), pixels = fieldcount(head.w, head.h);
+  if (pixels > size - t.r.at) {
+    closefile(file);
+    ok = truncated(f, size);
+    return true;
+  }
+  if (!readsize(f, head.w, head.h)) {
+    closefile(file);
+    ok = false;
+    return true;
+  }
+  timageprogress p = progressbegin("  Grey with (", head.w, head.h);
+  uint8_t* plane = f.channels[0].data;
+  int64_t done = std::min<int64_t>(pixels, static_cast<int64_t>(got) - t.r.at);
+  std::memcpy(plane, first + t.r.at, static_cast<size_t>(done));
+  // Single reads stay below the 32-bit limit of the file layer.
+  constexpr int64_t step = 8388608;
+  while (done < pixels) {
+    size_t n = 0;
+    readblock(file, plane + done, static_cast<size_t>(std::min(step, pixels - done)), &n);
+    if (n == 0) break;
+    done += static_cast<int64_t>(n);
+  }
+  closefile(file);
+  progressdone(p);
+  ok = done == pixels ? readdone(f, name) : truncated(f, size);
+  return true;
+}
+
 }  // namespace
 
 bool pnmread(timagefield& f, const utf16& name) {
+  if (bool ok; directgray(f, name, ok)) return ok;
   tfilebuffer b;
   if (!imagefileread(name, b)) {
     bufferrelease(b);

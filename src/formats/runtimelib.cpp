@@ -1,10 +1,6 @@
 #include "formats/runtimelib.h"
 
 #include <dlfcn.h>
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cstdio>
 
 #include "shell/console.h"
 
@@ -30,24 +26,4 @@ bool routineaddress(void* handle, void*& out, const char* name) {
   if (!p) println(std::string("Wrong ProcName: ") + name);
   out = p;
   return p != nullptr;
-}
-
-// The libraries' own codecs write warnings to the standard error stream; the program
-// reports in its own words, so their chatter is muted for the length of a call.
-tquiet::tquiet() {
-  std::fflush(stderr);
-  saved = dup(2);
-  const int null = open("/dev/null", O_WRONLY);
-  if (null >= 0) {
-    dup2(null, 2);
-    close(null);
-  }
-}
-
-tquiet::~tquiet() {
-  std::fflush(stderr);
-  if (saved >= 0) {
-    dup2(saved, 2);
-    close(saved);
-  }
 }

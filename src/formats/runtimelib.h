@@ -1,5 +1,5 @@
 // Opening a shared library at run time: the search over directories and version
-// suffixes, routines by name, and muting the library's own chatter on standard error.
+// suffixes and routines by name.
 #pragma once
 #include <initializer_list>
 #include <string>
@@ -19,12 +19,3 @@ bool routine(void* handle, P& out, const char* name) {
   out = reinterpret_cast<P>(p);
   return found;
 }
-
-// Standard error goes to /dev/null for the life of the record.
-struct tquiet {
-  int saved = -1;
-  tquiet();
-  ~tquiet();
-  tquiet(const tquiet&) = delete;
-  tquiet& operator=(const tquiet&) = delete;
-};

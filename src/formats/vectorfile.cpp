@@ -48,14 +48,16 @@ bool vectorsave(const tvectorfield& f, const utf16& name, const tvector& scale) 
   return r && r->write(f, name, scale);
 }
 
-bool vectorloadproperties(tvectorfield& f, const utf16& name) {
+bool vectorloadproperties(tvectorfield& f, const utf16& name) { return loadspaceproperties(f.space, name); }
+
+bool loadspaceproperties(tspatial& space, const utf16& name) {
   tniftiheader h;
   if (empty(name) || !niftiheaderread(name, h)) return false;
   if (h.dim[1] + h.dim[2] + h.dim[3] + h.dim[4] <= 0) return false;
   const tspatial s = headerspace(h);
-  setmatrix(f.space, s.matrix);
-  setoffset(f.space, s.offset);
-  for (const utf16& line : transformationlines(f.space, true)) println(line);
+  setmatrix(space, s.matrix);
+  setoffset(space, s.offset);
+  for (const utf16& line : transformationlines(space, true)) println(line);
   return true;
 }
 

@@ -22,6 +22,8 @@ bool vectorsave(const tvectorfield& f, const utf16& name, const tvector& scale);
 
 // Offset and matrix from the file's header alone.
 bool vectorloadproperties(tvectorfield& f, const utf16& name);
+// The same for any field's place in space.
+bool loadspaceproperties(tspatial& space, const utf16& name);
 // The file merged into f through global space: the new vector where f has none, else the
 // mean of both.
 void vectorappend(tvectorfield& f, const utf16& name);

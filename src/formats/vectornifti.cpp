@@ -14,6 +14,7 @@
 #include "formats/niftiheader.h"
 #include "formats/niftiraw.h"
 #include "formats/voxelsource.h"
+#include "orientation/tensorvoxel.h"
 #include "script/values.h"
 #include "shell/console.h"
 #include "shell/files.h"
@@ -22,7 +23,9 @@ namespace {
 
 // ---- writing ---------------------------------------------------------------------------
 
-tniftiheader vectorheader(const tvectorfield& f, bool single) {
+// Three components: intent VECTOR; six: SYMMATRIX of rank 3.
+template <class F>
+tniftiheader orientationheader(const F& f, int components, bool single) {
   tniftiheader h{};
   h.sizeof_hdr = niftisize;
   h.regular = 'r';
@@ -30,8 +33,9 @@ tniftiheader vectorheader(const tvectorfield& f, bool single) {
   h.dim[0] = 5;
   for (int a = 0; a < 3; ++a) h.dim[a + 1] = static_cast<int16_t>(size[a]);
   h.dim[4] = 1;
-  h.dim[5] = 3;
-  h.intent_code = 1007;  // VECTOR
+  h.dim[5] = static_cast<int16_t>(components);
+  h.intent_code = components == 6 ? 1005 : 1007;
+  h.intent_p1 = components == 6 ? 3 : 0;
   h.datatype = f.kind == vectorinteger ? 1024 : 64;
   h.bitpix = 64;
   h.pixdim[0] = 1;
@@ -53,26 +57,27 @@ void appendnumber(std::string& out, T v) {
   out.append(reinterpret_cast<const char*>(&v), sizeof v);
 }
 
-// The three component planes, each value scaled by its axis.
-void appendplanes(std::string& out, const tvectorfield& f, const tvector& scale) {
-  const utf16 label = utf16(f.kind == vectorinteger ? "  3DVector with (" : "  3DVector64 with (") +
-                      dimensionstext(f) + ")";
-  eachstorage(f, [&](const auto& a) {
-    const int64_t count = a.length;
-    const auto* items = a.items();
-    for (int c = 0; c < 3; ++c) {
-      for (int64_t i = 0; i < count; ++i) {
-        const double v = static_cast<double>(items[i][c]) * scale[c];
-        if (f.kind == vectorinteger)
-          appendnumber(out, toelement<int64_t>(v));
-        else
-          appendnumber(out, v);
-      }
-      progress(label, static_cast<double>(c + 1) / 3);
+// The component planes: value(c, i) of component c at the 0-based voxel index i.
+template <class Value>
+void appendplanes(std::string& out, int64_t count, int components, bool integer, const utf16& label, Value value) {
+  for (int c = 0; c < components; ++c) {
+    for (int64_t i = 0; i < count; ++i) {
+      const double v = value(c, i);
+      if (integer)
+        appendnumber(out, toelement<int64_t>(v));
+      else
+        appendnumber(out, v);
     }
-  });
+    progress(label, static_cast<double>(c + 1) / components);
+  }
   progressend();
 }
+
+// The tensor components in file order xx, xy, xz, yy, yz, zz: which volume, which entry.
+constexpr int tensorvolume[6] = {0, 1, 1, 0, 1, 0};
+constexpr int tensorentry[6] = {0, 0, 1, 1, 2, 2};
+
+
 
 // Written under a passing name and renamed at the end, so that a failed write never
 // leaves a half file under the real one.
@@ -93,9 +98,31 @@ bool writewhole(const utf16& name, const std::string& bytes, bool pack) {
   return !checkio(name, iocodefromerrno(errno, systempath(name)));
 }
 
+// Header, then the planes, written whole under the name: .hdr makes the pair.
+template <class F, class Planes>
+bool orientationsave(const F& f, const utf16& name, int components, Planes planes) {
+  if (fieldempty(f)) return false;
+  const utf16 ext = lower(fileextension(name));
+  const bool packed = equalutf8(ext, "nii.gz"), pair = equalutf8(ext, "hdr");
+  const utf16 file = packed || pair || equalutf8(ext, "nii") ? name : name + ".nii";
+  const tniftiheader h = orientationheader(f, components, !pair);
+  std::string bytes(reinterpret_cast<const char*>(&h), niftisize);
+  const tnatvector n = fieldsize(f);
+  bytes.reserve(static_cast<size_t>(niftidatastart + 8 * components * n[0] * n[1] * n[2]));
+  if (pair) {
+    if (!writewhole(file, bytes, false)) return false;
+    bytes.clear();
+  } else {
+    bytes.append(4, '\0');  // no extension
+  }
+  planes(bytes, n[0] * n[1] * n[2]);
+  return writewhole(pair ? filestem(file) + ".img" : file, bytes, packed);
+}
+
 // ---- reading ---------------------------------------------------------------------------
 
-bool failed(tvectorfield& f, uint8_t kind, const utf16& text) {
+template <class F>
+bool failed(F& f, uint8_t kind, const utf16& text) {
   println(text);
   fieldcreate(f, kind);
   return false;
@@ -165,16 +192,17 @@ utf16 baddims(const int64_t (&d)[8]) {
          natlisttext(b, true) + ")! Create empty field.";
 }
 
-bool gooddims(const int64_t (&d)[8], bool rgb) {
+bool gooddims(const int64_t (&d)[8], bool rgb, int components) {
   if (d[0] < (rgb ? 3 : 4) || d[0] > 7) return false;
   if (d[1] < 1 || d[2] < 1 || d[3] < 1) return false;
   if (rgb) return true;
   int64_t values = 1;
   for (int k = 4; k <= d[0]; ++k) values = fieldcount(values, std::max<int64_t>(d[k], 0));
-  return values >= 3;
+  return values >= components;
 }
 
-void takespace(tvectorfield& f, const tniftiheader& h) {
+template <class F>
+void takespace(F& f, const tniftiheader& h) {
   if (fieldempty(f)) return;
   f.space = headerspace(h);
   for (const utf16& line : transformationlines(f.space, false)) println(line);
@@ -186,27 +214,25 @@ void putcomponent(A& a, int64_t i, int c, double v) {
   a.items()[i][c] = toelement<C>(v);
 }
 
-// The component planes, slice by slice.
-bool readplanes(tvectorfield& f, tvoxelsource& src, int code, bool swap, const utf16& label) {
-  const tnatvector n = fieldsize(f);
+// The component planes, slice by slice, through put(c, i, value).
+template <class Put>
+bool readplanes(const tnatvector& n, int components, tvoxelsource& src, int code, bool swap, const utf16& label, Put put) {
   const int64_t area = n[0] * n[1], bytes = voxelbytes(code);
   tbytelist buffer{};
   bool ok = true;
   withnumber(code, [&](auto t) {
     using T = decltype(t);
-    eachstorage(f, [&](auto& a) {
-      for (int c = 0; c < 3 && ok; ++c)
-        for (int64_t z = 0; z < n[2] && ok; ++z) {
-          const uint8_t* p = sourcetake(src, area * bytes, buffer);
-          if (!p) {
-            ok = false;
-            break;
-          }
-          const int64_t first = z * area;
-          for (int64_t i = 0; i < area; ++i) putcomponent(a, first + i, c, numberat<T>(p + i * bytes, swap));
-          progress(label, static_cast<double>(c * n[2] + z + 1) / static_cast<double>(3 * n[2]));
+    for (int c = 0; c < components && ok; ++c)
+      for (int64_t z = 0; z < n[2] && ok; ++z) {
+        const uint8_t* p = sourcetake(src, area * bytes, buffer);
+        if (!p) {
+          ok = false;
+          break;
         }
-    });
+        const int64_t first = z * area;
+        for (int64_t i = 0; i < area; ++i) put(c, first + i, numberat<T>(p + i * bytes, swap));
+        progress(label, static_cast<double>(c * n[2] + z + 1) / static_cast<double>(components * n[2]));
+      }
   });
   buffer.release();
   progressend();
@@ -239,25 +265,33 @@ bool readcolours(tvectorfield& f, tvoxelsource& src, int code, const utf16& labe
 }  // namespace
 
 bool vectorniftisave(const tvectorfield& f, const utf16& name, const tvector& scale) {
-  if (fieldempty(f)) return false;
-  const utf16 ext = lower(fileextension(name));
-  const bool packed = equalutf8(ext, "nii.gz"), pair = equalutf8(ext, "hdr");
-  const utf16 file = packed || pair || equalutf8(ext, "nii") ? name : name + ".nii";
-  const tniftiheader h = vectorheader(f, !pair);
-  std::string bytes(reinterpret_cast<const char*>(&h), niftisize);
-  const tnatvector n = fieldsize(f);
-  bytes.reserve(static_cast<size_t>(niftidatastart + 24 * n[0] * n[1] * n[2]));
-  if (pair) {
-    if (!writewhole(file, bytes, false)) return false;
-    bytes.clear();
-  } else {
-    bytes.append(4, '\0');  // no extension
-  }
-  appendplanes(bytes, f, scale);
-  return writewhole(pair ? filestem(file) + ".img" : file, bytes, packed);
+  const utf16 label = utf16(f.kind == vectorinteger ? "  3DVector with (" : "  3DVector64 with (") + dimensionstext(f) + ")";
+  return orientationsave(f, name, 3, [&](std::string& out, int64_t count) {
+    eachstorage(f, [&](const auto& a) {
+      const auto* items = a.items();
+      appendplanes(out, count, 3, f.kind == vectorinteger, label,
+                   [&](int c, int64_t i) { return static_cast<double>(items[i][c]) * scale[c]; });
+    });
+  });
 }
 
-bool vectorniftiload(tvectorfield& f, uint8_t kind, const utf16& name) {
+bool tensorniftisave(const ttensorfield& f, const utf16& name) {
+  const utf16 label = utf16(f.kind == vectorinteger ? "  3DTensor with (" : "  3DTensor64 with (") + dimensionstext(f) + ")";
+  return orientationsave(f, name, 6, [&](std::string& out, int64_t count) {
+    withtensorvolumes(f, [&](const auto& diagonal, const auto& offdiagonal) {
+      const std::array v{diagonal.items(), offdiagonal.items()};
+      appendplanes(out, count, 6, f.kind == vectorinteger, label,
+                   [&](int c, int64_t i) { return static_cast<double>(v[tensorvolume[c]][i][tensorentry[c]]); });
+    });
+  });
+}
+
+namespace {
+
+// The reader of both: components values a voxel, RGB types for vectors only; read(f, src,
+// code, swap, label) takes the payload.
+template <class F, class Read>
+bool orientationload(F& f, uint8_t kind, const utf16& name, int components, Read read) {
   const utf16 header = niftiheadername(name), data = niftidataname(name);
   const bool pair = !equal(header, data);
   const utf16 unreadable = "  Couldn't read File (" + name + ")! Create empty field.";
@@ -278,8 +312,9 @@ bool vectorniftiload(tvectorfield& f, uint8_t kind, const utf16& name) {
   if (h.sizeof_hdr != niftisize) return finish(failed(f, kind, "  Wrong header! Create empty field."));
   int64_t d[8];
   for (int k = 0; k < 8; ++k) d[k] = h.dim[k];
-  const int code = typecode(h.bitpix, h.datatype);
-  const bool rgb = code == 2024 || code == 2032;
+  int code = typecode(h.bitpix, h.datatype);
+  const bool rgb = components == 3 && (code == 2024 || code == 2032);
+  if (components != 3 && (code == 2024 || code == 2032)) code = 0;
   int64_t start = 0;
   if (pair) {
     sourceclose(src);
@@ -295,12 +330,12 @@ bool vectorniftiload(tvectorfield& f, uint8_t kind, const utf16& name) {
   } else {
     start = h.vox_offset > niftidatastart ? roundnat(h.vox_offset) : niftidatastart;
   }
-  if (!gooddims(d, rgb)) return finish(failed(f, kind, baddims(d)));
+  if (!gooddims(d, rgb, components)) return finish(failed(f, kind, baddims(d)));
   if (code == 0)
     return finish(failed(f, kind, "  Bad datatype [" + nattext(h.bitpix) + "|" + nattext(h.datatype) +
                                       "]! Create empty field."));
   const tnatvector size{d[1], d[2], d[3]};
-  const int64_t voxel = voxelbytes(code) * (rgb ? 1 : 3);
+  const int64_t voxel = voxelbytes(code) * (rgb ? 1 : components);
   const __int128 count = static_cast<__int128>(d[1]) * d[2] * d[3];
   const utf16 dims = nattext(d[1]) + "x" + nattext(d[2]) + "x" + nattext(d[3]) + ")";
   if (src.size < start + count * voxel) {
@@ -316,11 +351,32 @@ bool vectorniftiload(tvectorfield& f, uint8_t kind, const utf16& name) {
   }
   fieldcreate(f, kind, size);
   if (fieldempty(f) || !sourceseek(src, start)) return finish(false);
-  const utf16 label = typelabel(code) + dims;
-  if (rgb)
-    readcolours(f, src, code, label);
-  else
-    readplanes(f, src, code, swap, label);
+  read(f, src, code, swap, typelabel(code) + dims);
   takespace(f, h);
   return finish(true);
+}
+
+}  // namespace
+
+bool vectorniftiload(tvectorfield& f, uint8_t kind, const utf16& name) {
+  return orientationload(f, kind, name, 3, [](tvectorfield& v, tvoxelsource& src, int code, bool swap, const utf16& label) {
+    if (code == 2024 || code == 2032) return readcolours(v, src, code, label);
+    bool ok = false;
+    eachstorage(v, [&](auto& a) {
+      ok = readplanes(fieldsize(v), 3, src, code, swap, label, [&](int c, int64_t i, double x) { putcomponent(a, i, c, x); });
+    });
+    return ok;
+  });
+}
+
+bool tensorniftiload(ttensorfield& f, uint8_t kind, const utf16& name) {
+  return orientationload(f, kind, name, 6, [](ttensorfield& t, tvoxelsource& src, int code, bool swap, const utf16& label) {
+    bool ok = false;
+    withtensorvolumes(t, [&](auto& diagonal, auto& offdiagonal) {
+      ok = readplanes(fieldsize(t), 6, src, code, swap, label, [&](int c, int64_t i, double x) {
+        putcomponent(tensorvolume[c] == 0 ? diagonal : offdiagonal, i, tensorentry[c], x);
+      });
+    });
+    return ok;
+  });
 }

@@ -6,6 +6,7 @@
 #pragma once
 #include <cstdint>
 
+#include "field/tensorfield.h"
 #include "field/vectorfield.h"
 #include "script/utf16.h"
 
@@ -15,3 +16,8 @@ bool vectorniftisave(const tvectorfield& f, const utf16& name, const tvector& sc
 // The field made anew in kind from the file; every failure is one line and an empty or
 // zero field. True when voxels were read.
 bool vectorniftiload(tvectorfield& f, uint8_t kind, const utf16& name);
+
+// Tensor fields the same way: dim[5] = 6, intent SYMMATRIX (1005) with intent_p1 3, the
+// planes in the order xx, xy, xz, yy, yz, zz.
+bool tensorniftisave(const ttensorfield& f, const utf16& name);
+bool tensorniftiload(ttensorfield& f, uint8_t kind, const utf16& name);

@@ -45,9 +45,16 @@ tscandirectionset withunits(std::vector<tscanpoint> points) {
 }  // namespace
 
 std::vector<trawscanpoint> rawscanpoints(int64_t r) {
+  if (r < 1) return {};
+  const double R = static_cast<double>(r);
+  return rawellipsoidpoints(R, {R, R, R});
+}
+
+std::vector<trawscanpoint> rawellipsoidpoints(double nominal, const tscanunit& radii) {
   std::vector<trawscanpoint> raw;
-  if (r < 1) return raw;
-  const long double R = static_cast<long double>(r);
+  if (!(nominal > 0)) return raw;
+  const long double R = static_cast<long double>(nominal);
+  const long double rx = radii[0], ry = radii[1], rz = radii[2];
   const int64_t rows = roundlong(std::numbers::pi_v<long double> * R);
   for (int64_t i = 0; i < rows; ++i) {
     const long double ring = R * std::sin(static_cast<long double>(i) / R);
@@ -57,8 +64,8 @@ std::vector<trawscanpoint> rawscanpoints(int64_t r) {
     for (int64_t j = 0; j < count; ++j) {
       const long double phi = static_cast<long double>(j + 1) / ring;
       raw.push_back({i, j,
-                     {roundlong(R * std::sin(theta) * std::cos(phi)), roundlong(R * std::sin(theta) * std::sin(phi)),
-                      roundlong(R * std::cos(theta))}});
+                     {roundlong(rx * std::sin(theta) * std::cos(phi)), roundlong(ry * std::sin(theta) * std::sin(phi)),
+                      roundlong(rz * std::cos(theta))}});
     }
   }
   return raw;
@@ -99,7 +106,10 @@ std::vector<tscanpoint> uniquescanpoints(const std::vector<trawscanpoint>& raw, 
 }
 
 tscandirectionset scandirections(int64_t r, int64_t n, const std::function<int64_t(int64_t)>& draw) {
-  std::vector<tscanpoint> all = uniquescanpoints(rawscanpoints(r), 2);
+  return selectdirections(uniquescanpoints(rawscanpoints(r), 2), n, draw);
+}
+
+tscandirectionset selectdirections(std::vector<tscanpoint> all, int64_t n, const std::function<int64_t(int64_t)>& draw) {
   const int64_t count = static_cast<int64_t>(all.size());
   if (n >= count || n < 1 || !draw) return withunits(std::move(all));
   std::vector<tscanpoint> taken;

@@ -42,11 +42,16 @@ struct trawscanpoint {
   tscanpoint point;
 };
 std::vector<trawscanpoint> rawscanpoints(int64_t r);
+// The same rows on an ellipsoid: the loops run on the nominal radius, each point is scaled
+// per axis by radii before rounding. The sphere is radii = (r, r, r).
+std::vector<trawscanpoint> rawellipsoidpoints(double nominal, const tscanunit& radii);
 // The circle of the 2-D form: point i at the polar angle (i + 1) / r, z = 0.
 std::vector<trawscanpoint> rawscancircle(int64_t r);
 
 // draw(m) returns a uniform index in 0..m-1; it is only called for 0 < n < count.
 tscandirectionset scandirections(int64_t r, int64_t n = 0, const std::function<int64_t(int64_t)>& draw = {});
+// The selection step of scandirections on an already cleaned, sorted list.
+tscandirectionset selectdirections(std::vector<tscanpoint> all, int64_t n, const std::function<int64_t(int64_t)>& draw);
 // The 2-D form: the circle, the same removal, sorted by y; z is 0 throughout.
 tscandirectionset scandirections2d(int64_t r);
 

@@ -13,9 +13,18 @@
 
 namespace {
 
+// Counts are clamped to the magnitude both signs share, so that |n| always exists.
+constexpr int64_t largestcount = INT64_MAX;
 int64_t truncated(const utf16& p) {
-  const double v = std::trunc(textreal(p));
-  return roundnat(v);
+  const int64_t v = roundnat(std::trunc(textreal(p)));
+  return v < -largestcount ? -largestcount : v;
+}
+
+// a - b, held at the largest count where the true difference lies beyond it.
+int64_t saturateddifference(int64_t a, int64_t b) {
+  int64_t d;
+  if (__builtin_sub_overflow(a, b, &d)) return a > b ? largestcount : -largestcount;
+  return d < -largestcount ? -largestcount : d;
 }
 
 // A loop on the last line has no body, and its passes read no line: the loop could not end.
@@ -74,15 +83,17 @@ void countingloop(tscript& s, const tloopnames& names, const utf16& echoword, Vi
     for (int64_t k = 1; k <= len; ++k) {
       const int64_t i = n < 0 ? -k : k;
       if (!visit(k, i)) continue;
-      if (!pass({nattext(len), nattext(len - i), nattext(i), realtext(static_cast<double>(i) / static_cast<double>(n))})) break;
+      if (!pass({nattext(len), nattext(saturateddifference(len, i)), nattext(i), realtext(static_cast<double>(i) / static_cast<double>(n))})) break;
     }
   } else if (paramcount(s) == 2) {
     const int64_t a = truncated(s.params[0]), b = truncated(s.params[1]);
     echotext(s, echoword, nattext(a) + ".." + nattext(b));
-    const int64_t len = (a <= b ? b - a : a - b) + 1, step = a <= b ? 1 : -1;
+    // A span wider than the largest count is held there.
+    const int64_t span = a <= b ? saturateddifference(b, a) : saturateddifference(a, b);
+    const int64_t len = saturateddifference(span, -1), step = a <= b ? 1 : -1;
     for (int64_t i = a, k = 1;; i += step, ++k) {
-      const double relative = 1.0 / static_cast<double>(len) + static_cast<double>(i >= a ? i - a : a - i);
-      if (visit(k, i) && !pass({nattext(len), nattext(len - i), nattext(i), realtext(relative)})) break;
+      const double relative = 1.0 / static_cast<double>(len) + std::fabs(static_cast<double>(i) - static_cast<double>(a));
+      if (visit(k, i) && !pass({nattext(len), nattext(saturateddifference(len, i)), nattext(i), realtext(relative)})) break;
       if (i == b) break;
     }
   } else if (paramcount(s) == 3) {

@@ -1,6 +1,8 @@
-// Feeds arbitrary bytes as a raster file through the own readers. The first byte picks the
-// reader (PNM, BMP, own RGB, IMGF, raw) and the kind of the field it reads into; the rest
-// is the file. A reader must end with a field that is either empty or whole.
+// Feeds arbitrary bytes as a raster file through the own readers or through image.load with
+// FreeImage and ImageMagick enabled (where installed). The first byte picks the reader (PNM,
+// BMP, own RGB, IMGF, raw, then the load by extension: PNG, TIFF, TGA, GIF, JPEG) and the
+// kind of the field it reads into; the rest is the file. A reader must end with a field that
+// is either empty or whole.
 #include <unistd.h>
 
 #include <cstdint>
@@ -9,6 +11,8 @@
 
 #include "field/imagefield.h"
 #include "formats/bmp.h"
+#include "formats/imagefile.h"
+#include "formats/imagelibs.h"
 #include "formats/imgf.h"
 #include "formats/pnm.h"
 #include "formats/raw.h"
@@ -21,8 +25,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   setfieldmemorylimit(int64_t{1} << 30);
   static const uint8_t kinds[] = {imagegray, imagefullgray, imagergb, imagergba, imagezrgb};
   const uint8_t kind = kinds[(data[0] >> 4) % 5];
-  const int reader = data[0] % 5;
-  static const char* const endings[] = {".pnm", ".bmp", ".rgb", ".imgf", ".raw"};
+  const int reader = data[0] % 10;
+  static const char* const endings[] = {".pnm", ".bmp", ".rgb", ".imgf", ".raw", ".png", ".tif", ".tga", ".gif", ".jpg"};
+  imagelibrariesopen();
   const std::string name = "/tmp/voxmill-fuzz-" + std::to_string(getpid()) + endings[reader];
   if (FILE* f = std::fopen(name.c_str(), "wb")) {
     std::fwrite(data + 1, 1, size - 1, f);
@@ -37,6 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     case 2: rgbread(field, file); break;
     case 3: imgfread(field, file); break;
     case 4: rawread(field, file, size > 1 ? data[1] % 16 : 0, size > 2 ? data[2] % 64 : 0, size > 3 ? data[3] % 64 : 0); break;
+    default: imageload(field, file, kind); break;
   }
   // Every plane of the kind has the field's size, or the field is empty.
   const tnatvector s = fieldsize(field);

@@ -112,9 +112,10 @@ TEST(PnmWrite, BitmapRowsAndTheirLengthFormula) {
 }
 
 TEST(PnmRead, ASizeThatCannotBeHadFailsThroughTheAllocator) {
-  // The file's buffer fits under the limit, the image of the same size beside it does not.
-  const std::string file = "P5\n100 100\n255\n" + std::string(10000, '\x05');
-  setfieldmemorylimit(fieldmemoryheld() + 15000);
+  // The file's buffer fits under the limit, the image beside it does not. (Binary gray of
+  // 8 bits goes straight into the image, with no buffer: colour into gray keeps one.)
+  const std::string file = "P6\n100 100\n255\n" + std::string(30000, '\x05');
+  setfieldmemorylimit(fieldmemoryheld() + 35000);
   Read r(imagegray, file);
   setfieldmemorylimit(0);
   EXPECT_FALSE(r.ok);
