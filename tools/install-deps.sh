@@ -4,14 +4,15 @@ set -euo pipefail
 # FreeImage and MagickWand are optional at run time; the tests use both, and Pillow, netpbm,
 # pngcheck and tiffinfo as independent readers and writers of raster files; nibabel, numpy and
 # nifti_tool those of NIfTI volumes; scipy is the peer of the filter benchmark; xmllint,
-# rsvg-convert and Ghostscript read the charts; vtk, ezdxf and assimp read our line files,
-# dipy is the peer of the streamline benchmark.
+# rsvg-convert and Ghostscript read the charts; vtk, meshio, ezdxf and assimp read and write
+# meshes and our line files, scikit-image is the peer of the surface benchmark, dipy that
+# of the streamline benchmark.
 packages=(build-essential cmake ninja-build zlib1g-dev libgtest-dev libbenchmark-dev python3 clang
           libclang-rt-14-dev libfreeimage3
           libmagickwand-6.q16-6 python3-pil netpbm pngcheck libtiff-tools
           python3-numpy python3-nibabel nifti-bin libdeflate-dev python3-scipy python3-skimage
-          librsvg2-bin libxml2-utils ghostscript python3-matplotlib tcl
-          python3-vtk9 python3-ezdxf assimp-utils python3-dipy)
+          librsvg2-bin libxml2-utils ghostscript python3-matplotlib tcl python3-dipy
+          python3-vtk9 python3-meshio python3-ezdxf assimp-utils)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

@@ -1,5 +1,8 @@
 #include "commands/commandtable.h"
 
+#include <algorithm>
+#include <cctype>
+
 #include "commands/families.h"
 #include "script/registry.h"
 
@@ -83,5 +86,22 @@ std::vector<std::string> examplemacro(const std::string& versiontext) {
     if (any) lines.emplace_back("// ****************************************************************");
   }
   lines.emplace_back("// For more line commands, look at Skein2!");
+  return lines;
+}
+
+namespace {
+std::string lowered(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+  return text;
+}
+}  // namespace
+
+std::vector<std::string> commandsmatching(const std::string& word) {
+  const std::string key = lowered(word);
+  std::vector<std::string> lines;
+  for (const tcommandfamily& family : commandfamilies())
+    for (const tcommand& c : family.rows)
+      if (lowered(std::string(family.prefix) + c.name).find(key) != std::string::npos)
+        lines.emplace_back(*c.doc ? c.doc : std::string(family.prefix) + c.name);
   return lines;
 }

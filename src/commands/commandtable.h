@@ -29,6 +29,8 @@ const std::vector<tcommandfamily>& commandfamilies();
 void registerallcommands(tscript& s);
 // The example macro: header, one line per documented command, group closers.
 std::vector<std::string> examplemacro(const std::string& versiontext);
+// The documentation lines of the commands whose full names contain word (without case).
+std::vector<std::string> commandsmatching(const std::string& word);
 
 // A procedureandfunction command whose procedure and function are the same handler: `new := op ...` and
 // `op ...` alike.

@@ -2,6 +2,7 @@
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/line_rows.h"
+#include "commands/mesh_rows.h"
 #include "field/workspaces.h"
 
 namespace {
@@ -17,7 +18,7 @@ const tcommand linerows[] = {
 }  // namespace
 
 tcommandfamily meshcommands() {
-  static const std::vector<tcommand> rows = prefixed("mesh.", {workspacerows<meshworkspace>(), meshrows});
+  static const std::vector<tcommand> rows = prefixed("mesh.", {workspacerows<meshworkspace>(), meshrows, meshbuildrows(), meshfilerows()});
   return {"mesh.", rows};
 }
 

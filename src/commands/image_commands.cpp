@@ -6,6 +6,7 @@
 #include "commands/group_handlers.h"
 #include "commands/histogram_handlers.h"
 #include "commands/level_handlers.h"
+#include "commands/measure_handlers.h"
 #include "commands/levelrule_handlers.h"
 #include "commands/morphology_handlers.h"
 #include "commands/resample_handlers.h"
@@ -40,6 +41,6 @@ const tcommand imagerows[] = {
 tcommandfamily imagecommands() {
   static const std::vector<tcommand> rows =
       prefixed("image.", {workspacerows<imageworkspace>(), imagerows, imagefilerows(), imagefilterrows(), sharedcombinerows<imageworkspace>(), imagecombinerows(), levelrows<imageworkspace>(), levelrulerows<imageworkspace>(), morphologyrows<imageworkspace>(), imagemorphologyrows(), resamplerows<imageworkspace>(), imagereshaperows(), imagecolourrows(),
-                          spatialrows<imageworkspace>(), grouprows<imageworkspace>(), histogramrows<imageworkspace>(), imagediffusionrows()});
+                          spatialrows<imageworkspace>(), grouprows<imageworkspace>(), histogramrows<imageworkspace>(), measurerows<imageworkspace>(), imagediffusionrows()});
   return {"image.", rows};
 }

@@ -9,3 +9,6 @@ std::span<const tcommand> scalarfieldrows();
 std::span<const tcommand> scalarfilerows();
 std::span<const tcommand> scalarfilterrows();
 std::span<const tcommand> scalarcombinerows();
+std::span<const tcommand> scalarmeasurerows();
+// Surfaces into the current mesh (mesh_surface_commands.cpp).
+std::span<const tcommand> scalarsurfacerows();

@@ -115,7 +115,13 @@ std::string epsitem(const tchartitem& it, double height) {
              " " + y(1) + " lineto stroke\n";
     case tchartkind::curve: {
       std::string s = pscolour(it.stroke) + number(it.width) + " setlinewidth newpath " + x(0) + " " + y(0) + " moveto";
-      for (size_t i = 1; i < it.points.size(); ++i) s += " " + x(i) + " " + y(i) + " lineto";
+      for (size_t i = 1; i < it.points.size(); ++i) {
+        s += ' ';
+        s += x(i);
+        s += ' ';
+        s += y(i);
+        s += " lineto";
+      }
       return s + " stroke\n";
     }
     case tchartkind::rectangle:

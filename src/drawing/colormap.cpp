@@ -68,7 +68,11 @@ utf16 colormapfill(char family, int64_t index, int64_t steps) {
     }
   }
   if (steps < 0) std::reverse(out.begin(), out.end());
-  return utf16("#" + std::to_string(index) + " " + m.name);
+  std::string title = "#";
+  title += std::to_string(index);
+  title += ' ';
+  title += m.name;
+  return utf16(title);
 }
 
 void colormapalpha(talpharule rule) {

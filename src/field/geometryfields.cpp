@@ -7,12 +7,32 @@ void fieldcreate(tmesh& m, uint8_t) {
   m.points.createdynamic();
   m.normals.createdynamic();
   m.faces.createdynamic();
+  m.colors.createdynamic();
+  m.uvs.createdynamic();
+  m.pairs.createdynamic();
+  m.clusters.createdynamic();
+  m.pairssorted = false;
+  m.trianglesonly = true;
+  m.smoothed = false;
+  m.pivot = {0, 0, 0};
+  meshpointschanged(m);
+}
+
+void meshpointschanged(tmesh& m) {
+  m.hash = tpointhash{};
+  m.lastface = {};
+  m.pairssorted = false;
 }
 
 void fieldrelease(tmesh& m) {
   m.points.release();
   m.normals.release();
   m.faces.release();
+  m.colors.release();
+  m.uvs.release();
+  m.pairs.release();
+  m.clusters.release();
+  meshpointschanged(m);
 }
 
 utf16 fielddescription(const tmesh& m) {

@@ -156,7 +156,7 @@ void repairhistogram(tlevelhistogram& h) {
   const auto at = [&](int64_t i) { return i >= 0 && i < n ? h[i] : 0; };
   for (int64_t i = 0; i < n; ++i) {
     if (h[i] != 0) continue;
-    for (const auto [a, b] : {std::pair{-1, 1}, {-2, 1}, {-1, 2}, {-4, 4}})
+    for (const auto& [a, b] : {std::pair{-1, 1}, {-2, 1}, {-1, 2}, {-4, 4}})
       if (at(i + a) > 0 && at(i + b) > 0) {
         h[i] = (at(i + a) + at(i + b)) / 2;
         break;

@@ -101,9 +101,16 @@ bool diffusiondump(const tscalarfield& f, int64_t r, const tnatvector& p, const 
       text += " len:0";
     } else {
       const double sd = linestatistic(l.values, 2);
-      text += " len:" + std::to_string(n) + " mean:" + utf16toutf8(realtext(linestatistic(l.values, 1))) +
-              " SD:" + utf16toutf8(realtext(sd));
-      for (const int64_t v : l.values) text += " " + std::to_string(v);
+      text += " len:";
+      text += std::to_string(n);
+      text += " mean:";
+      text += utf16toutf8(realtext(linestatistic(l.values, 1)));
+      text += " SD:";
+      text += utf16toutf8(realtext(sd));
+      for (const int64_t v : l.values) {
+        text += ' ';
+        text += std::to_string(v);
+      }
       if (counts) accepted.emplace_back(sd, static_cast<int64_t>(accepted.size()) + 1);
     }
     text += "\n";

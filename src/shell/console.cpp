@@ -154,7 +154,11 @@ std::string timetext(double seconds) {
   int first = 0;
   while (parts[first] == 0) ++first;
   std::string out = std::to_string(parts[first]) + units[first];
-  if (first < 4 && parts[first + 1] != 0) out += " " + std::to_string(parts[first + 1]) + units[first + 1];
+  if (first < 4 && parts[first + 1] != 0) {
+    out += ' ';
+    out += std::to_string(parts[first + 1]);
+    out += units[first + 1];
+  }
   return out;
 }
 

@@ -10,6 +10,7 @@
 #include "script/values.h"
 #include "shell/console.h"
 #include "shell/files.h"
+#include "shell/platform.h"
 #include "shell/update.h"
 
 toptions options;
@@ -74,6 +75,16 @@ void readinifile(toptions& o, const utf16& name) {
   }
 }
 
+// " for <system> (<machine><suffix>": the platform part of the version line.
+utf16 platformtext(const std::string& suffix) {
+  std::string text = " for ";
+  text += buildsystem;
+  text += " (";
+  text += buildmachine;
+  text += suffix;
+  return utf16(text);
+}
+
 std::string today(const char* format) {
   const std::time_t now = std::time(nullptr);
   char text[64];
@@ -114,7 +125,7 @@ void init(toptions& o, int argc, char** argv, const utf16& productname, const ut
 #else
   const std::string build = " - Debug version ";
 #endif
-  o.versionline = productname + utf16(build) + o.versiontext + utf16(" for Linux (x86_64" + suffix + order);
+  o.versionline = productname + utf16(build) + o.versiontext + platformtext(suffix + order);
   o.yearsline = utf16(std::to_string(firstyear) + "-" + std::to_string(o.year) + " by ") + author;
   o.programpath = utf16(selfpath());
   o.currentdirectory = utf16(workingdirectory());
@@ -194,8 +205,8 @@ void setusage(toptions& o, const utf16& text) {
   for (const char* help : {"h", "help", "hilfe"})
     if (findoption(o, help) >= 0) o.showhelp = true;
   for (const char* help : {"?", "h", "help", "hilfe"}) {
-    utf16 unused;
-    takeoption(o, help, unused);
+    utf16 word;
+    if (takeoption(o, help, word) && !empty(word)) o.helpword = word;
   }
   utf16 unused;
   takeoption(o, "strict", unused);

@@ -13,6 +13,7 @@ struct toptions {
   std::vector<utf16> optnames, optvalues;  // a plain word has an empty name
   utf16 usagetext;
   bool showhelp = false, waitforhelp = false;
+  utf16 helpword;  // "-h WORD": the commands whose names contain WORD are listed after the help
   bool quiet = false;
   std::vector<std::string> arguments;  // the command line without the program name
 };

@@ -9,6 +9,7 @@
 #include "field/workspaces.h"
 #include "formats/imagefile.h"
 #include "formats/imagelibs.h"
+#include "formats/meshfile.h"
 #include "formats/scalarfile.h"
 #include "script/run.h"
 #include "script/tscript.h"
@@ -16,13 +17,12 @@
 #include "shell/cluster.h"
 #include "shell/console.h"
 #include "shell/files.h"
+#include "shell/firstrun.h"
 #include "shell/options.h"
 
 tscript script;
 
 namespace {
-
-const char* const firstruntext = "This is your first run of the program, please specify the file voxmill.macro!";
 
 // One layer of double quotes, then one of single quotes, off both ends.
 utf16 stripquotes(const utf16& name) {
@@ -47,7 +47,7 @@ constexpr tscriptoption inputoptions[] = {
     {"scalar.input", "scalar.input", "scalar.nii.gz", "scalar field input file", nullptr, scalarinputnote},
     {"vector.input", "vector.input", "vector.nii.gz", "vector field input file", "HDR, NII, gz NII, FLD, AM"},
     {"tensor.input", "tensor.input", "tensor.nii.gz", "tensor field input file", "HDR, NII, gz NII, NHDR, NRRD"},
-    {"mesh.input", "mesh.input", "input.obj", "mesh input file", "OBJ, PLY, STL, DXF, WRL, IV, POV, ASC, CSV, PRN"},
+    {"mesh.input", "mesh.input", "input.obj", "mesh input file", nullptr, meshinputnote},
 };
 
 constexpr tscriptoption transformoptions[] = {
@@ -64,7 +64,7 @@ constexpr tscriptoption outputoptions[] = {
     {"scalar.type", "scalar.type", "nii.gz", "scalar field output type", nullptr, scalaroutputnote},
     {"vector.type", "vector.type", "nii.gz", "vector field output type", "HDR, NII, gz NII, FLD, AM"},
     {"tensor.type", "tensor.type", "nii.gz", "tensor field output type", "HDR, NII, gz NII, NHDR, NRRD"},
-    {"mesh.type", "mesh.type", "obj", "mesh output type", "OBJ, DXF, ASC, CSV, PRN, POV, INC, sPOV, sINC, nPOV, nINC"},
+    {"mesh.type", "mesh.type", "obj", "mesh output type", nullptr, meshoutputnote},
 };
 
 template <size_t n>
@@ -109,13 +109,11 @@ void commandlinevariables() {
   if (!empty(last)) setvarquiet(script, "parameter.last", last);
 }
 
-void writeexample() {
-  tfile f;
-  if (writefile(f, "voxmill.macro", true)) {
-    for (const std::string& line : examplemacro(utf16toutf8(options.versiontext))) writetext(f, line + "\n");
-    closefile(f);
-  }
-  println(firstruntext);
+// After the help of "-h WORD": the documentation of the commands whose names contain WORD.
+void listcommands(const std::string& word) {
+  printlnempty();
+  println("Commands with \"" + word + "\":");
+  for (const std::string& line : commandsmatching(word)) println(line);
 }
 
 }  // namespace
@@ -128,6 +126,7 @@ int runprogram(int argc, char** argv) {
   declareoptions(first, macro);
   const tclustersetting cluster = declareclusteroptions(options);
   helpfooter(options, "voxmill -image.input=*.ppm -image.type=png");
+  if (options.showhelp && !empty(options.helpword)) listcommands(utf16toutf8(options.helpword));
   commandlinevariables();
   finish(options);
   setvarquiet(script, "thread.max", utf16(std::to_string(std::max(1u, std::thread::hardware_concurrency()))));
@@ -142,7 +141,7 @@ int runprogram(int argc, char** argv) {
   if (!first && fileexists(macrofile)) {
     load(script.store, macrofile);
   } else {
-    writeexample();
+    writefirstmacro(examplemacro(utf16toutf8(options.versiontext)));
   }
   runscript(script);
   const bool failed = !script.lasterror.isempty();

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "shell/console.h"
+#include "shell/platform.h"
 
 namespace {
 std::string basename(const std::string& path) {
@@ -48,7 +49,13 @@ const char* wgetmessage(int code) {
 }  // namespace
 
 utf16 updateaddress(const utf16& site, const utf16& programpath) {
-  return site + "/x86_64-FreeBSD/" + utf16(basename(utf16toutf8(programpath)));
+  std::string path = "/";
+  path += buildmachine;
+  path += '-';
+  path += buildsystem;
+  path += '/';
+  path += basename(utf16toutf8(programpath));
+  return site + utf16(path);
 }
 
 void runupdate(const utf16& address, const utf16& programpath) {

@@ -1,0 +1,8 @@
+// Rows of the mesh family that live in files of their own.
+#pragma once
+#include <span>
+
+#include "commands/commandtable.h"
+
+std::span<const tcommand> meshbuildrows();  // mesh_commands.cpp
+std::span<const tcommand> meshfilerows();   // mesh_file_commands.cpp

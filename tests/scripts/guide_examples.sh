@@ -1,0 +1,40 @@
+# The cookbook macros of docs/examples run on made inputs; independent readers check their results.
+source "$(dirname "$0")/lib.sh"
+EXAMPLES=$(realpath "$(dirname "$0")/../../docs/examples")
+PY=/usr/bin/python3
+mkdir data
+$PY - <<'PYEOF' || fail "making the inputs"
+import numpy as np, nibabel as nib
+a = np.zeros((20, 16, 6), np.uint8)
+a[2:6, 2:6, 1:4] = 200; a[10:15, 8:12, 2:5] = 150; a[17:19, 1:3, 0:2] = 255; a[8, 14, 3] = 130
+a[6, 2, 1] = 100  # touches the first object but lies below the threshold
+nib.save(nib.Nifti1Image(a, np.eye(4)), 'cells.nii.gz')
+for name, shape in (('a', (4, 5, 6)), ('b', (7, 3, 2))):
+    nib.save(nib.Nifti1Image(np.ones(shape, np.uint8), np.eye(4)), f'data/{name}.nii.gz')
+t = np.full((16, 16, 16), 40, np.uint8); t[:, 6:9, 6:9] = 200  # a tube along x
+nib.save(nib.Nifti1Image(t, np.eye(4)), 'tubes.nii.gz')
+PYEOF
+run() { "$BIN" -strict -macro="$EXAMPLES/$1.macro" | script_part; }
+
+out=$(run walk)
+check_eq "$(grep '^volume ' <<<"$out")" $'volume a.nii <4, 5, 6>\nvolume b.nii <7, 3, 2>' "directory walk"
+
+out=$(run objects)
+expected=$($PY -c "import nibabel as nib, scipy.ndimage as nd; print(nd.label(nib.load('cells.nii.gz').get_fdata() >= 128)[1])")
+check_eq "$(grep '^objects ' <<<"$out")" "objects $expected" "object count against scipy's labelling"
+[ -s objects.txt ] || fail "no group table"
+
+run histogram >/dev/null
+$PY -c "import xml.etree.ElementTree as E, sys; sys.exit(not E.parse('histogram.svg').getroot().tag.endswith('svg'))" \
+  || fail "histogram.svg is no SVG"
+
+run orientation >/dev/null
+$PY - <<'PYEOF' || fail "orientation field"
+import numpy as np, nibabel as nib
+v = np.asarray(nib.load('orientation.nii.gz').dataobj, dtype=float).reshape(16, 16, 16, 3)
+tube = v[:, 6:9, 6:9].reshape(-1, 3)
+tube = np.abs(tube[np.abs(tube).sum(axis=1) > 0])  # voxels with an orientation
+m = tube.mean(axis=0)
+assert len(tube) >= 20 and m[0] > 10 * max(m[1], m[2]), (len(tube), m)  # along the tube's x axis
+PYEOF
+finish
