@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """Sample data for the demo job: a noisy 16-bit volume with two spheres of different
-brightness in 0.5 mm voxels (NIfTI), and a colour image of three overlapping discs (PPM).
+brightness in 0.5 mm voxels (NIfTI), a colour image of three overlapping discs (PPM), and
+a fibre volume: a straight and a curved tube with a bright core (8-bit NIfTI).
 
   make_sample.py FOLDER
 """
@@ -34,12 +35,22 @@ def discs(rng):
     return Image.fromarray(np.clip(rgb, 0, 255).astype(np.uint8), "RGB")
 
 
+def fibres(rng):
+    x, y, z = np.mgrid[0:48, 0:48, 0:48].astype(np.float32)
+    straight = np.hypot(y - 14, z - 24)
+    curved = np.hypot(np.hypot(x + 8, y + 8) - 52, z - 20)
+    near = np.minimum(straight, curved)
+    v = 220 - 10 * near ** 2 + rng.normal(0, 1.5, near.shape)
+    return nib.Nifti1Image(np.where(near <= 4.5, np.clip(v, 1, 255), 0).astype(np.uint8), np.eye(4))
+
+
 def main():
     folder = sys.argv[1]
     os.makedirs(folder, exist_ok=True)
     rng = np.random.default_rng(7)
     nib.save(phantom(rng), os.path.join(folder, "phantom.nii.gz"))
     discs(rng).save(os.path.join(folder, "discs.ppm"))
+    nib.save(fibres(rng), os.path.join(folder, "fibres.nii.gz"))
 
 
 if __name__ == "__main__":

@@ -5,7 +5,8 @@ set -euo pipefail
 # pngcheck and tiffinfo as independent readers and writers of raster files; nibabel, numpy and
 # nifti_tool those of NIfTI volumes; scipy is the peer of the filter benchmark; xmllint,
 # rsvg-convert and Ghostscript read the charts; vtk, meshio, ezdxf and assimp read and write
-# meshes, and scikit-image is the peer of the surface benchmark.
+# meshes and our line files, scikit-image is the peer of the surface benchmark, dipy that
+# of the streamline benchmark.
 packages=(build-essential cmake ninja-build zlib1g-dev libgtest-dev libbenchmark-dev python3 clang
           libclang-rt-14-dev libfreeimage3
           libmagickwand-6.q16-6 python3-pil netpbm pngcheck libtiff-tools

@@ -1,6 +1,7 @@
 // The mesh and line families: their workspaces.
 #include "commands/families.h"
 #include "commands/fieldrows.h"
+#include "commands/line_rows.h"
 #include "commands/mesh_rows.h"
 #include "field/workspaces.h"
 
@@ -22,6 +23,6 @@ tcommandfamily meshcommands() {
 }
 
 tcommandfamily linecommands() {
-  static const std::vector<tcommand> rows = prefixed("line.", {workspacerows<lineworkspace>(), linerows});
+  static const std::vector<tcommand> rows = prefixed("line.", {workspacerows<lineworkspace>(), linerows, linefilerows(), lineoperationrows()});
   return {"line.", rows};
 }

@@ -2,6 +2,7 @@
 #include "commands/combine_handlers.h"
 #include "commands/connection_rows.h"
 #include "commands/diffusion_rows.h"
+#include "commands/line_rows.h"
 #include "commands/families.h"
 #include "commands/fieldrows.h"
 #include "commands/group_handlers.h"
@@ -42,6 +43,6 @@ const tcommand scalarrows[] = {
 tcommandfamily scalarcommands() {
   static const std::vector<tcommand> rows =
       prefixed("scalar.", {workspacerows<scalarworkspace>(), scalarrows, spatialrows<scalarworkspace>(),
-                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), levelrulerows<scalarworkspace>(), morphologyrows<scalarworkspace>(), scalarmorphologyrows(), resamplerows<scalarworkspace>(), scalarreshaperows(), grouprows<scalarworkspace>(), histogramrows<scalarworkspace>(), histogramfastrows<scalarworkspace>(), measurerows<scalarworkspace>(), scalarmeasurerows(), scalardiffusionrows(), scalarconnectionrows(), scalarsurfacerows()});
+                           scalarfieldrows(), scalarfilerows(), scalarfilterrows(), sharedcombinerows<scalarworkspace>(), scalarcombinerows(), levelrows<scalarworkspace>(), levelrulerows<scalarworkspace>(), morphologyrows<scalarworkspace>(), scalarmorphologyrows(), resamplerows<scalarworkspace>(), scalarreshaperows(), grouprows<scalarworkspace>(), histogramrows<scalarworkspace>(), histogramfastrows<scalarworkspace>(), measurerows<scalarworkspace>(), scalarmeasurerows(), scalardiffusionrows(), scalarconnectionrows(), scalarsurfacerows(), scalarsamplerows()});
   return {"scalar.", rows};
 }

@@ -2,6 +2,7 @@
 #include "commands/families.h"
 #include "commands/tensor_rows.h"
 #include "commands/fieldrows.h"
+#include "commands/stream_rows.h"
 #include "commands/vector_rows.h"
 #include "commands/vectorfile_rows.h"
 #include "field/workspaces.h"
@@ -46,6 +47,7 @@ tcommandfamily vectorcommands() {
                                                                     vectoroprows(),
                                                                     vectorderiverows(),
                                                                     vectorfieldrows(),
+                                                                    streamrows(),
                                                                 });
   return {"vector.", rows};
 }

@@ -10,6 +10,12 @@ struct tcloud {
   tintlist linetags{};      // one number per line, such as the seed
   tintlist objectstarts{};  // first line of each object
   tnamelist objectnames{};
+  // The frame of the field the lines came from, for formats that store one.
+  tvector frameoffset{0, 0, 0};
+  tvector framescale{1, 1, 1};
+  tvector framesize{0, 0, 0};
+  bool lineopen = false;    // the next point continues the last line
+  bool objectopen = false;  // the next line continues the last object
 };
 
 void fieldcreate(tcloud& c, uint8_t kind = 0);  // clouds have no storage kinds

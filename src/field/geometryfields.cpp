@@ -55,6 +55,7 @@ void fieldrelease(tcloud& c) {
   c.linetags.release();
   c.objectstarts.release();
   c.objectnames.release();
+  c.lineopen = c.objectopen = false;
 }
 
 int64_t linecount(const tcloud& c) {

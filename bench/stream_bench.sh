@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Streamlines on a 128^3 phantom field (the true tube axes as vectors): vector.stream.random
+# 100000 and vector.stream.mask against dipy's LocalTracking (peaks direction getter from
+# the same vectors, threshold stopping, step 1 voxel), and the .trk save against
+# nibabel.streamlines.save, in one run.
+#   bench/stream_bench.sh [path/to/voxmill]
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+binary=${1:-$here/../build/voxmill}
+exec /usr/bin/python3 "$here/stream_bench.py" "$binary"

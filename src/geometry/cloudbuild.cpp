@@ -1,0 +1,52 @@
+#include "geometry/cloudbuild.h"
+
+#include <cmath>
+
+void addpoint(tcloud& c, const tcloudpoint& p) {
+  if (!c.lineopen) {
+    if (!c.objectopen) {
+      c.objectstarts.add(c.linestarts.length + 1);
+      c.objectopen = true;
+    }
+    c.linestarts.add(c.points.length + 1);
+    c.lineopen = true;
+  }
+  c.points.add(p);
+}
+
+void closeline(tcloud& c, int64_t tag) {
+  if (!c.lineopen) return;
+  c.linetags.add(tag);
+  c.lineopen = false;
+}
+
+void closeobject(tcloud& c, const utf16& name) {
+  closeline(c, 0);
+  if (!c.objectopen) return;
+  c.objectnames.putgrow(c.objectstarts.length, name);
+  c.objectopen = false;
+}
+
+tlinerange linerange(const tcloud& c, int64_t l) {
+  const int64_t n = c.linestarts.length;
+  const int64_t first = c.linestarts.get(l);
+  const int64_t next = l < n ? c.linestarts.get(l + 1) : c.points.length + 1;
+  return {first, next - 1};
+}
+
+tlinerange objectlines(const tcloud& c, int64_t o) {
+  const int64_t n = c.objectstarts.length;
+  const int64_t first = c.objectstarts.get(o);
+  const int64_t next = o < n ? c.objectstarts.get(o + 1) : linecount(c) + 1;
+  return {first, next - 1};
+}
+
+double linelength(const tcloud& c, int64_t l) {
+  const tlinerange r = linerange(c, l);
+  double sum = 0;
+  for (int64_t i = r.first + 1; i <= r.last; ++i) {
+    const tcloudpoint a = c.points.get(i - 1), b = c.points.get(i);
+    sum += std::sqrt((a[0] - b[0]) * (a[0] - b[0]) + (a[1] - b[1]) * (a[1] - b[1]) + (a[2] - b[2]) * (a[2] - b[2]));
+  }
+  return sum;
+}

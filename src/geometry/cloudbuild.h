@@ -1,0 +1,25 @@
+// Building and walking the line cloud: lines are opened by their first point and closed
+// with a tag; objects are opened by their first line and closed with a name.
+#pragma once
+#include <array>
+#include <cstdint>
+
+#include "field/cloud.h"
+
+using tcloudpoint = std::array<double, 4>;  // x, y, z, t
+
+void addpoint(tcloud& c, const tcloudpoint& p);
+void closeline(tcloud& c, int64_t tag);
+void closeobject(tcloud& c, const utf16& name);
+
+// The 1-based range of points of line l, first..last (last < first for an empty line).
+struct tlinerange {
+  int64_t first, last;
+  int64_t count() const { return last - first + 1; }
+};
+tlinerange linerange(const tcloud& c, int64_t l);
+// The lines of object o, first..last.
+tlinerange objectlines(const tcloud& c, int64_t o);
+
+// The sum of the segment lengths of line l, in x, y, z.
+double linelength(const tcloud& c, int64_t l);
