@@ -14,7 +14,10 @@ std::string objbytes(const tcloud& c, const utf16&) {
     if (r.count() < 1) continue;
     const bool closed = r.count() > 2 && pointof(c, r.first) == pointof(c, r.last);
     o += r.count() == 1 ? "p" : closed ? "f" : "l";
-    for (int64_t i = r.first; i <= (closed ? r.last - 1 : r.last); ++i) o += " " + std::to_string(i);
+    for (int64_t i = r.first; i <= (closed ? r.last - 1 : r.last); ++i) {
+      o += ' ';
+      o += std::to_string(i);
+    }
     o += "\n";
   }
   return o;

@@ -10,7 +10,9 @@ std::string swcbytes(const tcloud& c, const utf16&) {
     for (int64_t i = r.first; i <= r.last; ++i) {
       const tcloudpoint p = pointof(c, i);
       o += std::to_string(i) + " " + std::to_string(type) + " " + numbertext(p[0]) + " " + numbertext(p[1]) + " " +
-           numbertext(p[2]) + " " + numbertext(p[3]) + (i == r.first ? " -1" : " " + std::to_string(i - 1)) + "\n";
+           numbertext(p[2]) + " " + numbertext(p[3]) + " ";
+      o += i == r.first ? std::string("-1") : std::to_string(i - 1);
+      o += '\n';
     }
   }
   return o;
