@@ -93,6 +93,10 @@ int64_t maxpointsof(const tnatvector& n, const tstreamsettings& s) {
 struct tvisited {
   tbitvolume bits{};
   bool used = false;
+  tvisited() = default;
+  tvisited(const tvisited&) = delete;
+  tvisited& operator=(const tvisited&) = delete;
+  ~tvisited() { bits.release(); }
   bool any(const tnatvector& c, int64_t margin) const {
     for (int64_t z = -margin; z <= margin; ++z)
       for (int64_t y = -margin; y <= margin; ++y)
