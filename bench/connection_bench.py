@@ -12,8 +12,6 @@ from a tensor file, against numpy.linalg.eigh plus the FA formula on the same te
 this process.
 """
 import os
-import resource
-import subprocess
 import sys
 import tempfile
 import time
@@ -24,29 +22,9 @@ import numpy as np
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "tests", "scripts"))
 import fibre_phantom as fp  # noqa: E402
+from benchlib import extra  # noqa: E402
 
 N = 128
-
-
-def run(binary, folder, lines):
-    """Wall seconds and CPU seconds (user + system) of one run."""
-    with open(os.path.join(folder, "bench.macro"), "w") as f:
-        f.write("\n".join(["debug.no"] + lines) + "\n")
-    before = resource.getrusage(resource.RUSAGE_CHILDREN)
-    start = time.perf_counter()
-    subprocess.run([binary, "-strict", "-macro=bench.macro"], cwd=folder, stdout=subprocess.DEVNULL, check=True)
-    wall = time.perf_counter() - start
-    after = resource.getrusage(resource.RUSAGE_CHILDREN)
-    return wall, (after.ru_utime - before.ru_utime) + (after.ru_stime - before.ru_stime)
-
-
-def extra(binary, folder, setup, work):
-    """Wall and CPU seconds of `work` alone: best of two with it less best of two without."""
-    base = [run(binary, folder, setup) for _ in range(2)]
-    full = [run(binary, folder, setup + work) for _ in range(2)]
-    wall = min(f[0] for f in full) - min(b[0] for b in base)
-    cpu = min(f[1] for f in full) - min(b[1] for b in base)
-    return max(wall, 1e-9), max(cpu, 1e-9)
 
 
 def main():

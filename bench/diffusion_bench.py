@@ -16,7 +16,6 @@ voxel's vector and its tube's axis (tests/scripts/fibre_phantom.py), mean and sh
 along z apart.
 """
 import os
-import resource
 import subprocess
 import sys
 import tempfile
@@ -28,30 +27,15 @@ import numpy as np
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "tests", "scripts"))
 import fibre_phantom as fp  # noqa: E402
+from benchlib import extra, run_cpu  # noqa: E402
 
 N = 128
-
-
-def run(binary, folder, lines):
-    """Wall seconds and CPU seconds (user + system) of one run."""
-    with open(os.path.join(folder, "bench.macro"), "w") as f:
-        f.write("\n".join(["debug.no"] + lines) + "\n")
-    before = resource.getrusage(resource.RUSAGE_CHILDREN)
-    start = time.perf_counter()
-    subprocess.run([binary, "-strict", "-macro=bench.macro"], cwd=folder, stdout=subprocess.DEVNULL, check=True)
-    wall = time.perf_counter() - start
-    after = resource.getrusage(resource.RUSAGE_CHILDREN)
-    return wall, (after.ru_utime - before.ru_utime) + (after.ru_stime - before.ru_stime)
 
 
 def scan_seconds(binary, folder, r, threads):
     """Wall and CPU seconds of the scan alone: a run with it less one without, best of two."""
     setup = ["scalar.8bit", 'scalar.load "phantom.nii"', "thread.max := %d" % threads]
-    base = [run(binary, folder, setup) for _ in range(2)]
-    full = [run(binary, folder, setup + ["scalar.diffusion %d" % r]) for _ in range(2)]
-    wall = min(f[0] for f in full) - min(b[0] for b in base)
-    cpu = min(f[1] for f in full) - min(b[1] for b in base)
-    return max(wall, 1e-9), max(cpu, 1e-9)
+    return extra(binary, folder, setup, ["scalar.diffusion %d" % r])
 
 
 def angles(errors):
@@ -89,7 +73,7 @@ def main():
     axes[vol == 0] = 0
     print("skimage structure tensor + eigh: %.3f s; voxmill r=8 (best thread count) is %.2fx as fast" %
           (peer, peer / seconds8))
-    run(binary, folder, ["scalar.8bit", 'scalar.load "phantom.nii"', "scalar.diffusion 8", 'vector.save "v.nii"'])
+    run_cpu(binary, folder, ["scalar.8bit", 'scalar.load "phantom.nii"', "scalar.diffusion 8", 'vector.save "v.nii"'])
     vectors = np.asarray(nib.load(os.path.join(folder, "v.nii")).dataobj, dtype=float).reshape(N, N, N, 3)
     print("accuracy voxmill r=8 method 5: " + angles(fp.errors(vectors, N)))
     print("accuracy skimage            : " + angles(fp.errors(axes, N)))
