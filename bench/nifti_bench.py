@@ -6,8 +6,12 @@
 voxmill is timed as whole runs of a macro that does an operation once and one that does it
 six times: the difference over five is the time of one operation, free of the process's
 start (a save is timed after one load). Each figure is the best of several runs. nibabel is
-timed in this process: nib.load with the voxels read into memory (dataobj as uint16, the
-.nii without a memory map, and get_fdata as float64), and nib.save (which packs at level 1). gzip -6 on the same bytes is the mark for saving .nii.gz.
+timed in this process: nib.load with the voxels read into memory (np.asanyarray(dataobj) as
+uint16, the .nii without a memory map, and get_fdata as float64), and nib.save (which packs
+at level 1). gzip -6 on the same bytes is the mark for saving .nii.gz.
+
+Peak memory (maximum resident set of /usr/bin/time -v) is taken of one load in a process of
+its own, for each program with the process that loads nothing beside it.
 """
 import os
 import shutil
@@ -40,6 +44,27 @@ def voxmill(binary, folder, lines):
     def run():
         subprocess.run([binary, "-strict", "-macro=bench.macro"], cwd=folder, stdout=subprocess.DEVNULL, check=True)
     return best(run)
+
+
+def peakmb(command, folder):
+    """Maximum resident set of a command, in MB, as /usr/bin/time -v reports it."""
+    done = subprocess.run(["/usr/bin/time", "-v"] + command, cwd=folder, stdout=subprocess.DEVNULL,
+                          stderr=subprocess.PIPE, text=True, check=True)
+    line = next(l for l in done.stderr.splitlines() if "Maximum resident set size" in l)
+    return int(line.split(":")[1]) / 1024
+
+
+def peaks(binary, folder, name):
+    """Peak memory of voxmill and nibabel: loading nothing, and loading name."""
+    def macro(lines):
+        with open(os.path.join(folder, "peak.macro"), "w") as f:
+            f.write("\n".join(["debug.no", "scalar.16bit"] + lines) + "\n")
+        return peakmb([binary, "-strict", "-macro=peak.macro"], folder)
+
+    def python(load):
+        code = "import nibabel as nib, numpy as np\n" + (f"np.asanyarray(nib.load({name!r}, mmap=False).dataobj)" if load else "")
+        return peakmb([sys.executable, "-c", code], folder)
+    return macro([]), macro([f'scalar.load "{name}"']), python(False), python(True)
 
 
 def main():
@@ -90,6 +115,10 @@ def main():
         print(f"{op:14}{voxels / o / 1e6:16.1f}{mb / o:8.0f}{voxels / t / 1e6:16.1f}{t / o:8.2f}{f}")
     print(f"reading the .nii from the disk cache: {mb / cache:.0f} MB/s; gzip -6 on the .nii: {mb / gzip6:.0f} MB/s "
           f"(voxmill's .nii.gz save: {mb / ours['save .nii.gz']:.0f} MB/s)")
+    print("peak memory (MB)  voxmill: base  load  nibabel: base  load  (field or array: %.1f)" % mb)
+    for name in ("v.nii", "v.nii.gz"):
+        ob, ol, tb, tl = peaks(binary, folder, name)
+        print(f"load {name[1:]:9}{ob:15.1f}{ol:6.1f}{tb:15.1f}{tl:6.1f}")
     if len(sys.argv) <= 2:
         shutil.rmtree(folder)
 

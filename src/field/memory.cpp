@@ -1,6 +1,7 @@
 #include "field/memory.h"
 
 #include <malloc.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -61,6 +62,25 @@ int64_t product(int64_t a, int64_t b) {
   return __builtin_mul_overflow(a, b, &p) ? int64max : p;
 }
 
+constexpr int64_t bigblock = 4 * mib;
+constexpr uintptr_t hugepage = 2 * mib;
+
+// Blocks from bigblock on always come as fresh mappings: untouched until used, given back
+// to the system when freed, and never cleared again by calloc.
+void preferfreshmappings() {
+  static const bool done = mallopt(M_MMAP_THRESHOLD, static_cast<int>(bigblock)) != 0;
+  (void)done;
+}
+
+// A volume is touched whole soon after it is allocated; in 4 KiB pages the page faults
+// cost about as much as filling it. The whole 2 MiB pages inside the block are asked for
+// as huge pages (a hint the kernel may ignore).
+void askhugepages(void* p, int64_t bytes) {
+  const uintptr_t first = (reinterpret_cast<uintptr_t>(p) + hugepage - 1) & ~(hugepage - 1);
+  const uintptr_t end = (reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(bytes)) & ~(hugepage - 1);
+  if (end > first) madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+}
+
 // Heap blocks come from calloc: zeroed, so the reserve of a dynamic record reads as zeros,
 // and large blocks are mapped lazily. A request larger than the machine is refused before
 // the heap is asked: with overcommit the heap would promise it, and the process would be
@@ -71,8 +91,10 @@ uint8_t* obtain(int64_t count, int64_t element) {
   int64_t bytes = 0;
   if (count < 1 || element < 1 || __builtin_mul_overflow(count, element, &bytes)) return nullptr;
   if (bytes > fieldmemorylimit() - held) return nullptr;
+  preferfreshmappings();
   void* p = std::calloc(static_cast<size_t>(count), static_cast<size_t>(element));
   if (p) held += bytes;
+  if (p && bytes >= bigblock) askhugepages(p, bytes);
   return static_cast<uint8_t*>(p);
 }
 
@@ -352,6 +374,27 @@ void tfieldmemory::reset() {
 bool tfieldmemory::swapdata(tfieldmemory& other) {
   if (length != other.length || element != other.element) return false;
   std::swap(data, other.data);
+  return true;
+}
+
+bool tfieldmemory::takeblock(tfieldmemory& from, int64_t skip, int64_t count) {
+  int64_t bytes = 0;
+  if (element < 1 || count < 1 || skip < 0 || __builtin_mul_overflow(count, element, &bytes)) return false;
+  if (from.unallocated() || from.isdynamic() || from.length != from.maximal || skip > from.bytes() - bytes) return false;
+  std::memmove(from.data, from.data + skip, static_cast<size_t>(bytes));
+  uint8_t* block = from.data;
+  // Cutting a block shrinks it where it lies; should it fail, the block stays whole.
+  if (void* cut = std::realloc(block, static_cast<size_t>(bytes))) block = static_cast<uint8_t*>(cut);
+  held -= from.bytes() - bytes;
+  from.reset();
+  uint8_t owned[sizeof flags];
+  std::memcpy(owned, flags, sizeof flags);
+  release();
+  std::memcpy(flags, owned, sizeof flags);
+  data = block;
+  shadow = addressof(block);
+  range = {1, count};
+  length = maximal = count;
   return true;
 }
 

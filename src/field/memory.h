@@ -46,6 +46,12 @@ struct tfieldmemory {
   // so both count as unallocated until they are swapped back: swap back before release.
   bool swapdata(tfieldmemory& other);
 
+  // Makes the bytes of the static record from, from byte skip on, the count elements of this
+  // static record, in from's block (moved to its start and cut to size): data that arrives
+  // behind a prefix needs no second block. This record's own block is given back, from
+  // ends empty. False, with nothing changed, when from holds too few bytes.
+  bool takeblock(tfieldmemory& from, int64_t skip, int64_t count);
+
   bool unallocated() const { return data == nullptr || reinterpret_cast<uintptr_t>(data) != shadow; }
   bool isdynamic() const { return dynamic > 0; }
   int64_t bytes() const { return maximal * element; }

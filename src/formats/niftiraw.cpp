@@ -297,10 +297,16 @@ bool rawread(tscalarfield& f, uint8_t kind, tvoxelsource& src, const trawvolume&
   }
   // Voxels that the field keeps as they lie in a plain file go straight into it.
   const bool same = (r.code == 16 && kind == scalarfullgray) || (r.code == 8 && kind == scalargray);
-  if (same && !rule.filter && !r.swap && !src.packed) {
-    eachstorage(f, [&](auto& a) { sourceread(src, a.data, a.length * a.element, label); });
-    progressend();
-    return true;
+  if (same && !rule.filter && !r.swap) {
+    bool given = false;
+    eachstorage(f, [&](auto& a) {
+      given = src.packed ? sourcegive(src, a, a.length) : sourceread(src, a.data, a.length * a.element, label);
+    });
+    if (given && src.packed) progress(label, 1);
+    if (given || !src.packed) {
+      progressend();
+      return true;
+    }
   }
   if (complete && (!mapped || rule.high - rule.low > 0)) {
     withvoxeltype(r.code, [&](auto t) {

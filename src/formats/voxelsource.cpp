@@ -182,6 +182,12 @@ bool sourceread(tvoxelsource& s, uint8_t* out, int64_t n, const utf16& label) {
   return true;
 }
 
+bool sourcegive(tvoxelsource& s, tfieldmemory& to, int64_t count) {
+  if (!s.packed || !to.takeblock(s.memory, s.position, count)) return false;
+  s.size = s.position = 0;
+  return true;
+}
+
 bool sourceseek(tvoxelsource& s, int64_t position) {
   if (position < 0 || position > s.size) return false;
   if (s.packed) {

@@ -25,6 +25,10 @@ const uint8_t* sourcetake(tvoxelsource& s, int64_t n, tbytelist& buffer);
 // The next n bytes of a plain file read into out, with progress under label; false when
 // the file ended first.
 bool sourceread(tvoxelsource& s, uint8_t* out, int64_t n, const utf16& label);
+// The inflated bytes of a packed file from the position on become the count elements of
+// the static record to, in place (see tfieldmemory::takeblock); the source is spent. False
+// for a plain file or too few bytes.
+bool sourcegive(tvoxelsource& s, tfieldmemory& to, int64_t count);
 // Moves to a byte position; a plain file moves back by opening again.
 bool sourceseek(tvoxelsource& s, int64_t position);
 // Up to n bytes from the start of a file, inflated when it is gzip data, without the

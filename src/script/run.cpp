@@ -238,7 +238,7 @@ void runscript(tscript& s, bool needmembers) {
   s.blocknames.clear();
   s.prefix.clear();
   dropmembers(s, 1);
-  std::erase_if(s.variables, [](const tvariable& v) { return v.level >= 1; });
+  forgetvariables(s, 1);
   s.modulestart.clear();
   s.modulelevel.clear();
   s.withnames.clear();

@@ -7,6 +7,7 @@
 #include "script/linestore.h"
 #include "script/memberindex.h"
 #include "script/statementcache.h"
+#include "script/variableindex.h"
 #include "script/utf16.h"
 #include "shell/files.h"
 
@@ -74,7 +75,8 @@ struct tscript {
   std::vector<tmember> members;  // changed only through the registry, which keeps the index
   tmemberindex memberindex;
   std::vector<int64_t> modulestart, modulelevel;
-  std::vector<tvariable> variables;
+  std::vector<tvariable> variables;  // changed only through variables.cpp, which keeps the index
+  mutable tvariableindex variableindex;  // brought up to date by lookups too
   std::vector<utf16> withnames;
   std::vector<int64_t> withlevels;
   std::vector<toutputfile> files;

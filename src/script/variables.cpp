@@ -1,6 +1,7 @@
 #include "script/variables.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "script/echo.h"
 #include "script/registry.h"
@@ -55,10 +56,33 @@ bool elementtarget(const tscript& s, utf16& name, utf16& value) {
   return true;
 }
 
-int64_t findvariable(const tscript& s, const utf16& name) {
-  for (auto i = static_cast<int64_t>(s.variables.size()) - 1; i >= 0; --i)
-    if (equal(s.variables[static_cast<size_t>(i)].name, name)) return i;
-  return -1;
+// The index is rebuilt whole after an insertion in the middle (global) and whenever its
+// count disagrees with the list; appends and drops at the end keep it in step one by one.
+const tvariableindex& indexed(const tscript& s) {
+  tvariableindex& index = s.variableindex;
+  if (index.indexed != static_cast<int64_t>(s.variables.size())) {
+    index.chains.clear();
+    for (size_t i = 0; i < s.variables.size(); ++i) index.chains[s.variables[i].name].push_back(static_cast<int64_t>(i));
+    index.indexed = static_cast<int64_t>(s.variables.size());
+  }
+  return index;
+}
+
+void addvariable(tscript& s, tvariable v) {
+  indexed(s);
+  s.variableindex.chains[v.name].push_back(static_cast<int64_t>(s.variables.size()));
+  s.variables.push_back(std::move(v));
+  ++s.variableindex.indexed;
+}
+
+// The newest entry of name below position `below`, or -1.
+int64_t findvariable(const tscript& s, const utf16& name, int64_t below = INT64_MAX) {
+  const tvariableindex& index = indexed(s);
+  const auto chain = index.chains.find(name);
+  if (chain == index.chains.end()) return -1;
+  const std::vector<int64_t>& at = chain->second;
+  const auto past = std::lower_bound(at.begin(), at.end(), below);
+  return past == at.begin() ? -1 : *(past - 1);
 }
 
 }  // namespace
@@ -70,7 +94,7 @@ void setvarquiet(tscript& s, const utf16& name, const utf16& value) {
     s.variables[static_cast<size_t>(at)].value = celfromutf16(value);
     return;
   }
-  s.variables.push_back({celfromutf16(key), celfromutf16(value), s.level});
+  addvariable(s, {celfromutf16(key), celfromutf16(value), s.level});
 }
 
 namespace {
@@ -101,12 +125,13 @@ void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level)
   // Keep the list sorted by level: the new entry goes behind the last one of its level.
   const size_t place = firstoflevel(s, level + 1);
   s.variables.insert(s.variables.begin() + static_cast<long>(place), {celfromutf16(key), celfromutf16(text), level});
+  s.variableindex.indexed = -1;
 }
 
 void newlocal(tscript& s, const utf16& name, const utf16& value) {
   utf16 key = variablename(name);
   if (length(key) > cellmax) key = copy(key, 1, cellmax);
-  s.variables.push_back({std::move(key), celfromutf16(value), s.level + 1});
+  addvariable(s, {std::move(key), celfromutf16(value), s.level + 1});
 }
 
 utf16 getvar(const tscript& s, const utf16& name) {
@@ -116,13 +141,36 @@ utf16 getvar(const tscript& s, const utf16& name) {
 
 int64_t hasvar(const tscript& s, const utf16& name) { return findvariable(s, variablename(name)); }
 
+void forgetvariables(tscript& s, int64_t level) {
+  std::erase_if(s.variables, [level](const tvariable& v) { return v.level >= level; });
+  s.variableindex.indexed = -1;
+}
+
+namespace {
+// The entries from the first of the level on go, as the level ends.
+void dropvariables(tscript& s, int64_t level) {
+  const size_t keep = firstoflevel(s, level);
+  if (keep >= s.variables.size()) return;
+  indexed(s);
+  auto& chains = s.variableindex.chains;
+  // The dropped entries are the newest of their names: each ends its chain.
+  for (size_t i = s.variables.size(); i-- > keep;) {
+    const auto chain = chains.find(s.variables[i].name);
+    chain->second.pop_back();
+    if (chain->second.empty()) chains.erase(chain);
+  }
+  s.variables.resize(keep);
+  s.variableindex.indexed = static_cast<int64_t>(keep);
+}
+}  // namespace
+
 void closelevel(tscript& s) {
   const int64_t l = s.level;
   if (l <= 0) return;  // level 0 holds the built-ins and the start variables
   dropmembers(s, l);
   s.modulestart.clear();
   s.modulelevel.clear();
-  s.variables.resize(firstoflevel(s, l));
+  dropvariables(s, l);
   for (size_t i = 0; i < s.withnames.size();) {
     if (s.withlevels[i] >= l) {
       s.withnames.erase(s.withnames.begin() + static_cast<long>(i));
@@ -152,13 +200,12 @@ utf16 macrosubstitute(const tscript& s, const utf16& text) {
 }
 
 utf16 substituteword(const tscript& s, const utf16& word) {
+  // Each value found is looked up again as a name among the older entries.
   utf16 out = word;
   utf16 key = lower(word);
-  for (auto i = s.variables.rbegin(); i != s.variables.rend(); ++i) {
-    if (equal(i->name, key)) {
-      out = i->value;
-      key = lower(out);
-    }
+  for (int64_t at = findvariable(s, key); at >= 0; at = findvariable(s, key, at)) {
+    out = s.variables[static_cast<size_t>(at)].value;
+    key = lower(out);
   }
   return out;
 }

@@ -13,6 +13,8 @@ int64_t hasvar(const tscript& s, const utf16& name);  // index from 0, or -1
 // Sets a variable without the checks of an assignment (for the engine's own variables).
 void setvarquiet(tscript& s, const utf16& name, const utf16& value);
 
+// Drops every variable of level and above, wherever it stands.
+void forgetvariables(tscript& s, int64_t level);
 // Closes the current level: members, modules, variables, with entries and files of it go.
 void closelevel(tscript& s);
 

@@ -92,6 +92,23 @@ TEST(FieldMemoryStatic, AllocateAndReleaseAccount) {
   EXPECT_EQ(fieldmemoryheld(), before);
 }
 
+TEST(FieldMemoryStatic, TakeBlockKeepsTheBytesBehindTheSkipAndAccounts) {
+  const int64_t before = fieldmemoryheld();
+  tfieldmemory from{}, to{};
+  from.allocate(9, 1);
+  for (int64_t i = 1; i <= 9; ++i) from.data[i - 1] = static_cast<uint8_t>(i);
+  to.allocate(3, 2);
+  EXPECT_FALSE(to.takeblock(from, 4, 3));  // 6 bytes wanted, 5 left
+  EXPECT_EQ(from.length, 9);
+  ASSERT_TRUE(to.takeblock(from, 3, 3));
+  EXPECT_TRUE(from.unallocated());
+  EXPECT_EQ(std::vector<uint8_t>(to.data, to.data + 6), (std::vector<uint8_t>{4, 5, 6, 7, 8, 9}));
+  EXPECT_EQ(to.length, 3);
+  EXPECT_EQ(fieldmemoryheld(), before + 6);
+  to.release();
+  EXPECT_EQ(fieldmemoryheld(), before);
+}
+
 TEST(FieldMemoryStatic, ResizeKeepsLeadingElementsAndZeroesNewOnes) {
   tfieldmemory m{};
   m.allocate(4, 8);

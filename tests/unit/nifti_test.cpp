@@ -167,6 +167,22 @@ TEST_F(Nifti, DataStartsAtByte352OrAtALargerVoxOffset) {
   EXPECT_EQ(loadfile(path("v400.nii"), scalargray), (V{7, 8}));
 }
 
+TEST_F(Nifti, PackedVolumesOfAnyStackAndOffsetArriveWhole) {
+  // The voxels of the field's own type are handed over from the inflated bytes, others converted.
+  tniftiheader h = header(512, 16, 2, 2, 2);
+  h.dim[0] = 4, h.dim[4] = 2;
+  h.vox_offset = 400;
+  const std::vector<uint16_t> first(8, 7), second{1, 2, 300, 65535, 256, 511, 0, 4};
+  std::string packed;
+  ASSERT_TRUE(gzipcompress(single(h, std::string(48, '\x01') + payload(first) + payload(second)), packed));
+  writebytes(path("s.nii.gz"), packed);
+  EXPECT_EQ(loadfile(path("s.nii.gz"), scalarfullgray, 2), (V{1, 2, 300, 65535, 256, 511, 0, 4}));
+  EXPECT_EQ(loadfile(path("s.nii.gz"), scalargray, 2), (V{0, 0, 1, 255, 1, 1, 0, 0}));
+  ASSERT_TRUE(gzipcompress(single(header(2, 8, 3, 1, 1), "\x05\x06\x07"), packed));
+  writebytes(path("b.nii.gz"), packed);
+  EXPECT_EQ(loadfile(path("b.nii.gz"), scalargray), (V{5, 6, 7}));
+}
+
 TEST_F(Nifti, BadHeadersGiveOneLineAndAnEmptyField) {
   const std::string data(64, '\x01');
   struct tcase {

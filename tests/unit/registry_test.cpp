@@ -77,3 +77,22 @@ TEST(Variables, KindsFollowTheMembersAndValuesFollowTheVariables) {
   EXPECT_EQ(s.paramkinds[0], param_function);
   EXPECT_EQ(utf16toutf8(s.params[1]), "2");
 }
+
+TEST(Variables, ShadowsEndWithTheirLevelGlobalsSlipInAndChainsReachOlderEntries) {
+  tscript s;
+  setvar(s, "a", "b");
+  setvar(s, "b", "c");
+  s.level = 1;
+  setvar(s, "inner", "1");
+  newlocal(s, "a", "b");  // chains on to the older a's value's name
+  setglobal(s, "g", "2", 0);  // placed before the entries of level 1
+  EXPECT_EQ(utf16toutf8(substituteword(s, "A")), "c");
+  setvar(s, "a", "x");
+  EXPECT_EQ(utf16toutf8(getvar(s, "a")), "x");
+  EXPECT_EQ(utf16toutf8(getvar(s, "inner")), "1");
+  closelevel(s);
+  EXPECT_EQ(utf16toutf8(getvar(s, "a")), "b");
+  EXPECT_EQ(utf16toutf8(getvar(s, "g")), "2");
+  EXPECT_LT(hasvar(s, "inner"), 0);
+  EXPECT_EQ(utf16toutf8(substituteword(s, "a")), "b");  // b is newer than a: no chain
+}
