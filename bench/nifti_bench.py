@@ -22,7 +22,7 @@ import tempfile
 import nibabel as nib
 import numpy as np
 
-from benchlib import best
+from benchlib import best, bestcpu
 
 N = 256
 
@@ -36,14 +36,14 @@ def volume():
     return np.clip(v, 0, 4095).astype(np.uint16)
 
 
-def voxmill(binary, folder, lines):
+def voxmill(binary, folder, lines, clock=best):
     macro = os.path.join(folder, "bench.macro")
     with open(macro, "w") as f:
         f.write("\n".join(["debug.no", "scalar.16bit"] + lines) + "\n")
 
     def run():
         subprocess.run([binary, "-strict", "-macro=bench.macro"], cwd=folder, stdout=subprocess.DEVNULL, check=True)
-    return best(run)
+    return clock(run)
 
 
 def peakmb(command, folder):
@@ -79,9 +79,9 @@ def main():
     voxels = data.size
     mb = data.nbytes / 1e6
 
-    def each(first, line):
-        once = voxmill(binary, folder, first + [line])
-        return (voxmill(binary, folder, first + [line] * 6) - once) / 5
+    def each(first, line, clock=best):
+        once = voxmill(binary, folder, first + [line], clock)
+        return (voxmill(binary, folder, first + [line] * 6, clock) - once) / 5
 
     empty = voxmill(binary, folder, [])
     ours = {
@@ -97,6 +97,10 @@ def main():
         "save .nii": best(lambda: nib.save(img, os.path.join(folder, "n.nii"))),
         "save .nii.gz": best(lambda: nib.save(img, os.path.join(folder, "n.nii.gz"))),
     }
+    loads = {"load .nii": nii, "load .nii.gz": gz}
+    cpu = {op: (each([], f'scalar.load "{os.path.basename(name)}"', bestcpu),
+                bestcpu(lambda: np.asanyarray(nib.load(name, mmap=False).dataobj)))
+           for op, name in loads.items()}
     fdata = {"load .nii": best(lambda: nib.load(nii).get_fdata()),
              "load .nii.gz": best(lambda: nib.load(gz).get_fdata())}
 
@@ -108,11 +112,13 @@ def main():
 
     print(f"256^3 uint16 volume: {voxels} voxels, {mb:.1f} MB; .nii.gz of {os.path.getsize(gz) / 1e6:.1f} MB")
     print(f"process start and end of voxmill: {empty * 1000:.0f} ms (not counted)")
-    print(f"{'':14}{'voxmill Mvox/s':>16}{'MB/s':>8}{'nibabel Mvox/s':>16}{'ratio':>8}{'nibabel fdata':>15}")
+    print(f"{'':14}{'voxmill Mvox/s':>16}{'MB/s':>8}{'nibabel Mvox/s':>16}{'ratio':>8}{'nibabel fdata':>15}"
+          f"{'CPU ms: voxmill':>17}{'nibabel':>9}{'ratio':>7}")
     for op in ours:
         o, t = ours[op], theirs[op]
         f = f"{voxels / fdata[op] / 1e6:15.1f}" if op in fdata else ""
-        print(f"{op:14}{voxels / o / 1e6:16.1f}{mb / o:8.0f}{voxels / t / 1e6:16.1f}{t / o:8.2f}{f}")
+        c = f"{cpu[op][0] * 1000:17.0f}{cpu[op][1] * 1000:9.0f}{cpu[op][1] / cpu[op][0]:7.2f}" if op in cpu else ""
+        print(f"{op:14}{voxels / o / 1e6:16.1f}{mb / o:8.0f}{voxels / t / 1e6:16.1f}{t / o:8.2f}{f:15}{c}")
     print(f"reading the .nii from the disk cache: {mb / cache:.0f} MB/s; gzip -6 on the .nii: {mb / gzip6:.0f} MB/s "
           f"(voxmill's .nii.gz save: {mb / ours['save .nii.gz']:.0f} MB/s)")
     print("peak memory (MB)  voxmill: base  load  nibabel: base  load  (field or array: %.1f)" % mb)

@@ -1,5 +1,7 @@
 #include "formats/voxelsource.h"
 
+#include <sys/mman.h>
+#include <sys/stat.h>
 #include <zlib.h>
 #ifdef VOXMILL_LIBDEFLATE
 #include <libdeflate.h>
@@ -18,24 +20,54 @@ namespace {
 
 constexpr int64_t readstep = 8388608;  // single reads stay below the file layer's 32-bit limit
 
-// The whole compressed file in guarded memory.
-bool readpacked(tvoxelsource& s, tbytelist& packed) {
-  packed.create(std::max<int64_t>(s.size, 1));
-  if (packed.length < s.size) return false;
+// The compressed file, mapped read-only where the system allows (the page cache's own
+// pages: nothing is copied or cleared), otherwise read into guarded memory.
+struct tpacked {
+  const uint8_t* data = nullptr;
+  int64_t length = 0;
+  void* map = nullptr;
+  tlocalarray<tbytelist> copy;
+  tpacked() = default;
+  tpacked(const tpacked&) = delete;
+  tpacked& operator=(const tpacked&) = delete;
+  ~tpacked() {
+    if (map) munmap(map, static_cast<size_t>(length));
+  }
+};
+
+bool mappacked(tvoxelsource& s, tpacked& packed) {
+  struct stat st {};
+  const int fd = fileno(s.file.handle);
+  if (s.size < 1 || fstat(fd, &st) != 0 || st.st_size != s.size) return false;
+  void* map = mmap(nullptr, static_cast<size_t>(s.size), PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
+  if (map == MAP_FAILED) return false;
+  packed.map = map;
+  packed.data = static_cast<const uint8_t*>(map);
+  packed.length = s.size;
+  closefile(s.file);
+  return true;
+}
+
+bool readpacked(tvoxelsource& s, tpacked& packed) {
+  if (mappacked(s, packed)) return true;
+  tbytelist& copy = *packed.copy;
+  copy.create(std::max<int64_t>(s.size, 1));
+  if (copy.length < s.size) return false;
   int64_t done = 0;
   while (done < s.size) {
     size_t got = 0;
-    readblock(s.file, packed.data + done, static_cast<size_t>(std::min(readstep, s.size - done)), &got);
+    readblock(s.file, copy.data + done, static_cast<size_t>(std::min(readstep, s.size - done)), &got);
     if (got == 0) break;
     done += static_cast<int64_t>(got);
   }
   closefile(s.file);
+  packed.data = copy.data;
   packed.length = done;  // what could be read; a shrunken file is a truncated stream
   return true;
 }
 
 // The size that the trailer of the last member gives (modulo 2^32).
-int64_t trailersize(const tbytelist& packed) {
+int64_t trailersize(const tpacked& packed) {
   if (packed.length < 4) return 0;
   const uint8_t* t = packed.data + packed.length - 4;
   return t[0] | t[1] << 8 | t[2] << 16 | static_cast<int64_t>(t[3]) << 24;
@@ -45,7 +77,7 @@ enum class tfastinflate { done, corrupt, declined };
 
 // A single-member stream whose trailer tells its size is inflated in one call by
 // libdeflate, about twice as fast as zlib; anything else is left to zlib.
-tfastinflate fastinflate(tvoxelsource& s, const tbytelist& packed) {
+tfastinflate fastinflate(tvoxelsource& s, const tpacked& packed) {
 #ifdef VOXMILL_LIBDEFLATE
   const int64_t size = trailersize(packed);
   if (size < 1) return tfastinflate::declined;
@@ -72,8 +104,7 @@ tfastinflate fastinflate(tvoxelsource& s, const tbytelist& packed) {
 // All members of a gzip file inflated into s.memory. The size stored in the last member's
 // trailer is the first guess of the room needed; the room doubles when it runs out.
 bool inflatewhole(tvoxelsource& s) {
-  tlocalarray<tbytelist> whole;
-  tbytelist& packed = *whole;
+  tpacked packed;
   if (!readpacked(s, packed)) return false;
   const tfastinflate fast = fastinflate(s, packed);
   if (fast != tfastinflate::declined) return fast == tfastinflate::done;
@@ -87,7 +118,7 @@ bool inflatewhole(tvoxelsource& s) {
   while (ok) {
     if (z.avail_in == 0 && fed < n) {
       const int64_t step = std::min<int64_t>(n - fed, std::numeric_limits<uInt>::max());
-      z.next_in = packed.data + fed;
+      z.next_in = const_cast<Bytef*>(packed.data + fed);
       z.avail_in = static_cast<uInt>(step);
       fed += step;
     }
