@@ -10,5 +10,5 @@
 
 struct tvariableindex {
   std::unordered_map<utf16, std::vector<int64_t>, tnamehash, tnameequal> chains;
-  int64_t indexed = 0;  // entries of the list the chains hold; a list of another length is indexed anew
+  int64_t indexed = -1;  // entries of the list the chains hold; a list of another length is indexed anew
 };

@@ -56,11 +56,17 @@ bool elementtarget(const tscript& s, utf16& name, utf16& value) {
   return true;
 }
 
-// The index is rebuilt whole after an insertion in the middle (global) and whenever its
-// count disagrees with the list; appends and drops at the end keep it in step one by one.
+// A short list is walked, newest first; a longer one is looked up through the index, built
+// at the first lookup that needs it. While in step (its count equals the list's) appends
+// and drops keep it so one by one; an insertion in the middle (global) or a list that
+// shrinks to a short one puts it out of step (count -1).
+constexpr size_t walklimit = 48;
+
+bool instep(const tscript& s) { return s.variableindex.indexed == static_cast<int64_t>(s.variables.size()); }
+
 const tvariableindex& indexed(const tscript& s) {
   tvariableindex& index = s.variableindex;
-  if (index.indexed != static_cast<int64_t>(s.variables.size())) {
+  if (!instep(s)) {
     index.chains.clear();
     for (size_t i = 0; i < s.variables.size(); ++i) index.chains[s.variables[i].name].push_back(static_cast<int64_t>(i));
     index.indexed = static_cast<int64_t>(s.variables.size());
@@ -69,18 +75,26 @@ const tvariableindex& indexed(const tscript& s) {
 }
 
 void addvariable(tscript& s, tvariable v) {
-  indexed(s);
-  s.variableindex.chains[v.name].push_back(static_cast<int64_t>(s.variables.size()));
+  if (instep(s)) {
+    s.variableindex.chains[v.name].push_back(static_cast<int64_t>(s.variables.size()));
+    ++s.variableindex.indexed;
+  }
   s.variables.push_back(std::move(v));
-  ++s.variableindex.indexed;
 }
 
 // The newest entry of name below position `below`, or -1.
 int64_t findvariable(const tscript& s, const utf16& name, int64_t below = INT64_MAX) {
+  const int64_t count = static_cast<int64_t>(s.variables.size());
+  if (s.variables.size() <= walklimit) {
+    for (int64_t i = std::min(below, count) - 1; i >= 0; --i)
+      if (equal(s.variables[static_cast<size_t>(i)].name, name)) return i;
+    return -1;
+  }
   const tvariableindex& index = indexed(s);
   const auto chain = index.chains.find(name);
   if (chain == index.chains.end()) return -1;
   const std::vector<int64_t>& at = chain->second;
+  if (below >= count) return at.empty() ? -1 : at.back();
   const auto past = std::lower_bound(at.begin(), at.end(), below);
   return past == at.begin() ? -1 : *(past - 1);
 }
@@ -151,16 +165,18 @@ namespace {
 void dropvariables(tscript& s, int64_t level) {
   const size_t keep = firstoflevel(s, level);
   if (keep >= s.variables.size()) return;
-  indexed(s);
-  auto& chains = s.variableindex.chains;
-  // The dropped entries are the newest of their names: each ends its chain.
-  for (size_t i = s.variables.size(); i-- > keep;) {
-    const auto chain = chains.find(s.variables[i].name);
-    chain->second.pop_back();
-    if (chain->second.empty()) chains.erase(chain);
+  if (instep(s) && keep > walklimit) {
+    auto& chains = s.variableindex.chains;
+    // The dropped entries are the newest of their names: each ends its chain. Empty chains
+    // stay for the next pass of a loop, up to a bound for scripts that make ever new names.
+    for (size_t i = s.variables.size(); i-- > keep;) chains.find(s.variables[i].name)->second.pop_back();
+    if (chains.size() > 2 * keep + 256) std::erase_if(chains, [](const auto& chain) { return chain.second.empty(); });
+    s.variableindex.indexed = static_cast<int64_t>(keep);
+  } else if (instep(s)) {
+    s.variableindex.chains.clear();
+    s.variableindex.indexed = -1;
   }
   s.variables.resize(keep);
-  s.variableindex.indexed = static_cast<int64_t>(keep);
 }
 }  // namespace
 

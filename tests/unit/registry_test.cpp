@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "script/registry.h"
 #include "script/variables.h"
 
@@ -79,20 +81,23 @@ TEST(Variables, KindsFollowTheMembersAndValuesFollowTheVariables) {
 }
 
 TEST(Variables, ShadowsEndWithTheirLevelGlobalsSlipInAndChainsReachOlderEntries) {
-  tscript s;
-  setvar(s, "a", "b");
-  setvar(s, "b", "c");
-  s.level = 1;
-  setvar(s, "inner", "1");
-  newlocal(s, "a", "b");  // chains on to the older a's value's name
-  setglobal(s, "g", "2", 0);  // placed before the entries of level 1
-  EXPECT_EQ(utf16toutf8(substituteword(s, "A")), "c");
-  setvar(s, "a", "x");
-  EXPECT_EQ(utf16toutf8(getvar(s, "a")), "x");
-  EXPECT_EQ(utf16toutf8(getvar(s, "inner")), "1");
-  closelevel(s);
-  EXPECT_EQ(utf16toutf8(getvar(s, "a")), "b");
-  EXPECT_EQ(utf16toutf8(getvar(s, "g")), "2");
-  EXPECT_LT(hasvar(s, "inner"), 0);
-  EXPECT_EQ(utf16toutf8(substituteword(s, "a")), "b");  // b is newer than a: no chain
+  for (const int others : {0, 100}) {  // a short list is walked, a long one indexed
+    tscript s;
+    for (int i = 0; i < others; ++i) setvar(s, utf16("o") + utf16(std::to_string(i)), "1");
+    setvar(s, "a", "b");
+    setvar(s, "b", "c");
+    s.level = 1;
+    setvar(s, "inner", "1");
+    newlocal(s, "a", "b");  // chains on to the older a's value's name
+    setglobal(s, "g", "2", 0);  // placed before the entries of level 1
+    EXPECT_EQ(utf16toutf8(substituteword(s, "A")), "c");
+    setvar(s, "a", "x");
+    EXPECT_EQ(utf16toutf8(getvar(s, "a")), "x");
+    EXPECT_EQ(utf16toutf8(getvar(s, "inner")), "1");
+    closelevel(s);
+    EXPECT_EQ(utf16toutf8(getvar(s, "a")), "b");
+    EXPECT_EQ(utf16toutf8(getvar(s, "g")), "2");
+    EXPECT_LT(hasvar(s, "inner"), 0);
+    EXPECT_EQ(utf16toutf8(substituteword(s, "a")), "b");  // b is newer than a: no chain
+  }
 }
