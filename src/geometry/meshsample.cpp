@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "geometry/meshbuild.h"
 #include "library/mathvector.h"
 
 namespace {
@@ -76,6 +77,24 @@ std::vector<std::pair<int64_t, int64_t>> edgepairs(const tmesh& m) {
   return pairs;
 }
 
+// The stored normal, or where it is zero the sum of the point's face normals (by winding).
+std::vector<tvector> pointnormals(const tmesh& m) {
+  std::vector<tvector> sums(static_cast<size_t>(m.points.length) + 1, tvector{0, 0, 0});
+  for (int64_t i = 1; i <= m.faces.length; ++i) {
+    const tface f = m.faces.get(i);
+    const int n = f.corners[3] ? 4 : 3;
+    if (!validface(m, f)) continue;
+    const tvector a = m.points.get(f.corners[0]);
+    const tvector normal = cross(added(m.points.get(f.corners[1]), scaled(a, -1)), added(m.points.get(f.corners[n - 1]), scaled(a, -1)));
+    for (int k = 0; k < n; ++k) sums[f.corners[k]] = added(sums[f.corners[k]], normal);
+  }
+  for (int64_t i = 1; i <= m.points.length; ++i) {
+    const tvector stored = m.normals.getchecked(i);
+    sums[i] = normalised(vectorlength(stored) > 0 ? stored : sums[i]);
+  }
+  return sums;
+}
+
 }  // namespace
 
 void colordensity(tmesh& m, const tscalarfield& f, double lo, double hi) {
@@ -144,26 +163,28 @@ void colorall(tmesh& m, const std::array<double, 4>& c) {
 }
 
 void colornormals(tmesh& m) {
+  const std::vector<tvector> normals = pointnormals(m);
   colorpoints(m, [&](int64_t i, const tvector&) {
-    const tvector n = normalised(m.normals.getchecked(i));
+    const tvector& n = normals[i];
     return tvector{std::fabs(n[0]), std::fabs(n[1]), std::fabs(n[2])};
   });
 }
 
 void colorcurvature(tmesh& m, double scale) {
   const auto pairs = edgepairs(m);
+  const std::vector<tvector> normals = pointnormals(m);
   std::vector<double> curvature(static_cast<size_t>(m.points.length) + 1, 0);
   for (size_t b = 0, e; b < pairs.size(); b = e) {
     const int64_t i = pairs[b].first;
-    const tvector p = m.points.get(i), n = normalised(m.normals.getchecked(i));
-    tvector mean{0, 0, 0};
+    const tvector p = m.points.get(i), n = normals[i];
+    tvector sum{0, 0, 0};
     double squares = 0;
     for (e = b; e < pairs.size() && pairs[e].first == i; ++e) {
       const tvector d = added(m.points.get(pairs[e].second), scaled(p, -1));
-      mean = added(mean, d), squares += dot(d, d);
+      sum = added(sum, d), squares += dot(d, d);
     }
     // On a sphere a ring at distance e lies e^2 / 2r below the tangent plane.
-    if (squares > 0) curvature[i] = -2 * dot(mean, n) / squares;
+    if (squares > 0) curvature[i] = -2 * dot(sum, n) / squares;
   }
   colorpoints(m, [&](int64_t i, const tvector&) {
     const double t = unit(0.5 + 0.5 * curvature[i] * scale);

@@ -17,7 +17,8 @@ void colorcount(tmesh& m, const tscalarfield& f, double radius);
 void colorvector(tmesh& m, const tvectorfield& f);
 // One colour r, g, b, a on every point and face.
 void colorall(tmesh& m, const std::array<double, 4>& c);
-// The absolute components of each point's unit normal.
+// The absolute components of each point's unit normal; where a point has the zero normal,
+// the normal of its faces by their winding (also for the curvature).
 void colornormals(tmesh& m);
 // Mean curvature k from the ring of neighbours (1 / r on a sphere of radius r whose normals
 // point outward) as t = 0.5 + 0.5 k scale, clamped to 0..1: blue for t = 0 through grey to

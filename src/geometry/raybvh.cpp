@@ -173,7 +173,7 @@ trayhit firsthit(const traybvh& bvh, const tvector& o, const tvector& d, double 
           hit = {depth, t.order};
       }
     } else {
-      int64_t near = node + 1, far = b.first;
+      int64_t near = b.first, far = b.first + 1;
       double tnear = entry(bvh.nodes[near]), tfar = entry(bvh.nodes[far]);
       if (tfar < tnear) std::swap(near, far), std::swap(tnear, tfar);
       if (tfar < none) stack[top++] = far;

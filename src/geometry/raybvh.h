@@ -26,8 +26,8 @@ double raytriangle(const tvector& o, const tvector& d, const traytriangle& t, do
 struct traybvh {
   struct tnode {
     double lo[3], hi[3];
-    int64_t first = 0;  // a leaf's first triangle, or an inner node's second child
-    int64_t count = 0;  // triangles of a leaf; 0 for an inner node, whose first child follows it
+    int64_t first = 0;  // a leaf's first triangle, or an inner node's first child (the second follows)
+    int64_t count = 0;  // triangles of a leaf; 0 for an inner node
   };
   std::vector<tnode> nodes;
   std::vector<traytriangle> triangles;  // in leaf order
