@@ -131,7 +131,7 @@ void meshrender(tmesh& camera, const tmesh& source, trenderpart part, double lim
     camera.colors.resize(camera.points.length);
     camera.colors.fill({0, 0, 0});
   }
-  const traybvh bvh = buildraybvh(seentriangles(source));
+  const traybvh bvh = buildraybvh(seentriangles(source), threads);
   const std::vector<trayhit> hits = castall(bvh, camera, object, limit, threads);
   for (int64_t i = 1; i <= camera.points.length; ++i) {
     const trayhit& h = hits[i - 1];

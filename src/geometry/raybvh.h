@@ -24,17 +24,19 @@ struct trayhit {
 double raytriangle(const tvector& o, const tvector& d, const traytriangle& t, double limit);
 
 struct traybvh {
+  // Bounds in float, rounded outward: half the memory of the walk for the same answers.
   struct tnode {
-    double lo[3], hi[3];
-    int64_t first = 0;  // a leaf's first triangle, or an inner node's first child (the second follows)
-    int64_t count = 0;  // triangles of a leaf; 0 for an inner node
+    float lo[3], hi[3];
+    int32_t first = 0;  // a leaf's first triangle, or an inner node's first child (the second follows)
+    int32_t count = 0;  // triangles of a leaf; 0 for an inner node
   };
   std::vector<tnode> nodes;
   std::vector<traytriangle> triangles;  // in leaf order
 };
 
-// Triangles with a coordinate that is not finite can never be hit and are left out.
-traybvh buildraybvh(std::vector<traytriangle> triangles);
+// Triangles with a coordinate that is not finite can never be hit and are left out. Up to
+// 2^31 - 1 triangles; beyond that none is kept. The tree is the same for any thread count.
+traybvh buildraybvh(std::vector<traytriangle> triangles, int64_t threads = 1);
 
 // The nearest hit of o + t d for 0 <= t <= limit; safe to call from many threads.
 trayhit firsthit(const traybvh& bvh, const tvector& o, const tvector& d, double limit);
