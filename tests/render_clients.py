@@ -2,7 +2,7 @@
 """Renders and field colours of a ball's surface, checked against the geometry it came from.
 
 generate DIR: a smooth ball (its 128-level at radius R about (0, 0, -40) in global space), a
-              ramp along x, and the macro.
+              ramp along x, a radial vector field, and the macro.
 check DIR:    the camera's depths (vtk's PLY reader) against the sphere, the picture's disc
               (Pillow) against its cross-section, renders of 1 and 3 threads byte for byte,
               and the colours of the sampling commands against the known fields.
@@ -50,6 +50,9 @@ mesh.getcount 3
 mesh.save.ply.ascii "count.ply"
 mesh.color.normal
 mesh.save.ply.ascii "normal.ply"
+vector.load "radial.nii.gz"
+mesh.getvector
+mesh.save.ply.ascii "vector.ply"
 mesh.save.ply.ascii "ball.ply"
 mesh.use vtksphere
 mesh.load "sphere.ply"
@@ -74,6 +77,8 @@ def generate(d):
     ramp = (2 * x + 10).astype(np.uint8)
     nib.save(nib.Nifti1Image(ball.transpose(2, 1, 0), AFFINE), str(d / "ball.nii.gz"))
     nib.save(nib.Nifti1Image(ramp.transpose(2, 1, 0), AFFINE), str(d / "ramp.nii.gz"))
+    radial = np.stack(g, -1).astype(np.float32).transpose(2, 1, 0, 3)[:, :, :, None, :]
+    nib.save(nib.Nifti1Image(radial, AFFINE), str(d / "radial.nii.gz"))
     (d / "run.macro").write_text(MACRO)
     import vtk
     sphere = vtk.vtkSphereSource()
@@ -149,6 +154,9 @@ def check(d):
     _, nrm, col = ply(d / "normal.ply")
     unit = np.abs(nrm / np.linalg.norm(nrm, axis=1)[:, None])
     expect(np.abs(col - unit).max() <= 0.5 / 255 + 1e-9, "normal colours differ from the normals")
+    pts, _, col = ply(d / "vector.ply")
+    radial = np.abs(pts - [0, 0, ZC]) / np.linalg.norm(pts - [0, 0, ZC], axis=1)[:, None]
+    expect(np.abs(col - radial).max() < 0.06, "vector colours differ from the radial field of the nearest voxel")
     _, _, col = ply(d / "curvature.ply")
     # 0.5 + 0.5 k 5 with k = 1 / 10: 0.75 on the whole sphere.
     expect(abs(np.median(col[:, 0]) - 0.75) < 0.05, f"curvature colour {np.median(col[:, 0]):.3f}, 0.75 expected")
