@@ -47,6 +47,8 @@ tcommandfamily vectorcommands() {
                                                                     vectoroprows(),
                                                                     vectorderiverows(),
                                                                     vectorfieldrows(),
+                                                                    vectorplainrows(),
+                                                                    vectorhistogramrows(),
                                                                     streamrows(),
                                                                 });
   return {"vector.", rows};

@@ -7,6 +7,7 @@
 #include "commands/vector_rows.h"
 #include "field/workspaces.h"
 #include "ops/reshape.h"
+#include "ops/resample.h"
 #include "orientation/vectoraccess.h"
 #include "orientation/vectorgrid.h"
 #include "orientation/vectormath.h"
@@ -54,7 +55,7 @@ void copycmd(tscript& s) {
     println("  Vector fields are copied only as they are (factor 0)!");
     return;
   }
-  if (tvectorfield* target = resulttarget<W>(s, true)) copyvectors(current(), *target);
+  if (tvectorfield* target = resulttarget<W>(s, true)) copyfield(*target, current());
 }
 
 // Two corners by the position rule, each pair put in order.

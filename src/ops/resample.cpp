@@ -263,3 +263,12 @@ void copyfield(tscalarfield& target, const tscalarfield& source) {
 }
 
 void copyfield(timagefield& target, const timagefield& source) { imagecopyfrom(target, source); }
+
+void copyfield(tvectorfield& target, const tvectorfield& source) {
+  fieldcreate(target, source.kind, fieldsize(source));
+  eachgridpair(target, source, [](const auto& t, const auto& s) {
+    if (t.count() == s.count()) std::copy_n(s.v, s.count(), t.v);
+  });
+  target.background = source.background;
+  target.space = source.space;
+}
