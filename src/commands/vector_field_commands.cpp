@@ -117,6 +117,7 @@ const tcommand fieldrows[] = {
     {"flip.z", procedure, flipcmd<2>, nullptr, "flip.z // reverse the z axis"},
     eitherway("substack", substackcmd, "new := substack <10, 10, 10> <50%, 50%, 50%> // copy the block between two corners"),
     eitherway("copy", copycmd, "new := copy // an exact copy of the current field"),
+    eitherway("copyscale", copycmd, "new := copyscale // same as copy"),
     eitherway("add", arithmeticcmd<addition, addone, vectormath::sum>,
               "new := add old1 old2 ... // the sum of 2 to 99 fields; add <x, y, z>: added to every vector"),
     eitherway("sub", arithmeticcmd<subtraction, subone, vectormath::difference>,
