@@ -56,6 +56,7 @@ tcommandfamily vectorcommands() {
 
 tcommandfamily tensorcommands() {
   static const std::vector<tcommand> rows =
-      prefixed("tensor.", {workspacerows<tensorworkspace>(), tensorrows, spatialrows<tensorworkspace>(), tensorfilerows(), tensormeasurerows()});
+      prefixed("tensor.", {workspacerows<tensorworkspace>(), tensorrows, spatialrows<tensorworkspace>(), tensorfilerows(), tensormeasurerows(),
+                            tensorplainrows()});
   return {"tensor.", rows};
 }

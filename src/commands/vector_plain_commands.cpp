@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "commands/histogram_handlers.h"
+#include "commands/reshape_handlers.h"
 #include "commands/vector_rows.h"
 #include "field/workspaces.h"
 #include "ops/reshape.h"
@@ -31,17 +32,10 @@ void cropcmd(tscript& s) {
   if (target) cropfield(*target, *source, lengthrange(s, std::max<int64_t>(n, 1)));
 }
 
-void movecmd(tscript& s) {
-  if (!checkparams(s, 3)) return;
-  tvectorfield& f = current();
-  moveblock(f, fieldpositions(f, textvector(param(s, 1))), fieldpositions(f, textvector(param(s, 2))),
-            textnatvector(param(s, 3)));
-}
-
 using enum tcommandkind;
 const tcommand rows[] = {
     eitherway("crop", cropcmd, "crop <1, 10> // cut to the box of the vectors with a length in range; none: the non-zero ones"),
-    {"move", procedure, movecmd, nullptr, "move <10, 10, 10> <20, 20, 20> <0, 50, 50> // move the block between two corners by a step"},
+    {"move", procedure, moveblockcmd<W>, nullptr, "move <10, 10, 10> <20, 20, 20> <0, 50, 50> // move the block between two corners by a step"},
     {"make", procedure, makecmd<W, W>, nullptr, "make // the vector field made anew at its size (all zero)"},
     {"make.vector", procedure, makecmd<W, W>, nullptr, "make.vector // same as make"},
     {"make.scalar", procedure, makecmd<W, scalarworkspace>, nullptr, "make.scalar // new scalar field of the vector field's size"},

@@ -264,11 +264,17 @@ void copyfield(tscalarfield& target, const tscalarfield& source) {
 
 void copyfield(timagefield& target, const timagefield& source) { imagecopyfrom(target, source); }
 
-void copyfield(tvectorfield& target, const tvectorfield& source) {
+namespace {
+// Kind, size, values and settings of a field of the vector records.
+template <class F>
+void copyrecords(F& target, const F& source) {
   fieldcreate(target, source.kind, fieldsize(source));
   eachgridpair(target, source, [](const auto& t, const auto& s) {
     if (t.count() == s.count()) std::copy_n(s.v, s.count(), t.v);
   });
-  target.background = source.background;
-  target.space = source.space;
+  copysettings(target, source);
 }
+}  // namespace
+
+void copyfield(tvectorfield& target, const tvectorfield& source) { copyrecords(target, source); }
+void copyfield(ttensorfield& target, const ttensorfield& source) { copyrecords(target, source); }

@@ -96,6 +96,9 @@ void subfield(tscalarfield& target, const tscalarfield& source, const tnatvector
 void subfield(tvectorfield& target, const tvectorfield& source, const tnatvector& lo, const tnatvector& hi) {
   subpart(target, source, lo, hi, "  New substack:  (");
 }
+void subfield(ttensorfield& target, const ttensorfield& source, const tnatvector& lo, const tnatvector& hi) {
+  subpart(target, source, lo, hi, "  New substack:  (");
+}
 
 void cropimage(timagefield& f, int64_t v) {
   tnatvector lo, hi;
@@ -151,11 +154,13 @@ void moveblock(tscalarfield& f, const tnatvector& a, const tnatvector& b, const 
                  static_cast<double>(getvalue(part, x, y, z)));
 }
 
+namespace {
 // The grid form: the block is cleared with the array's background, then written shifted.
-void moveblock(tvectorfield& f, const tnatvector& a, const tnatvector& b, const tnatvector& d) {
+template <class F>
+void movegridblock(F& f, const tnatvector& a, const tnatvector& b, const tnatvector& d) {
   if (fieldempty(f)) return;
   const tnatvector lo = cornerlow(a, b), hi = cornerhigh(a, b);
-  tlocalfield<tvectorfield> part;
+  tlocalfield<F> part;
   block(*part, f, lo, hi);
   eachgridpair(f, *part, [&](const auto& g, const auto& p) {
     for (int64_t z = lo[2] - 1; z < hi[2]; ++z)
@@ -170,6 +175,10 @@ void moveblock(tvectorfield& f, const tnatvector& a, const tnatvector& b, const 
         }
   });
 }
+}  // namespace
+
+void moveblock(tvectorfield& f, const tnatvector& a, const tnatvector& b, const tnatvector& d) { movegridblock(f, a, b, d); }
+void moveblock(ttensorfield& f, const tnatvector& a, const tnatvector& b, const tnatvector& d) { movegridblock(f, a, b, d); }
 
 int64_t patchgaps(tscalarfield& f, int axis, int64_t n) {
   int64_t closed = 0;

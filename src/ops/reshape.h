@@ -6,6 +6,7 @@
 
 #include "field/imagefield.h"
 #include "field/scalarfield.h"
+#include "field/tensorfield.h"
 #include "field/vectorfield.h"
 #include "ops/morphology.h"
 
@@ -16,6 +17,7 @@
 void subfield(timagefield& target, const timagefield& source, const tnatvector& lo, const tnatvector& hi);
 void subfield(tscalarfield& target, const tscalarfield& source, const tnatvector& lo, const tnatvector& hi);
 void subfield(tvectorfield& target, const tvectorfield& source, const tnatvector& lo, const tnatvector& hi);
+void subfield(ttensorfield& target, const ttensorfield& source, const tnatvector& lo, const tnatvector& hi);
 
 // In place, to the box of the pixels whose value is above v; without any it stays.
 void cropimage(timagefield& f, int64_t v);
@@ -29,6 +31,7 @@ void cropfield(tvectorfield& target, const tvectorfield& source, const tmorphran
 // written at its new place, clipped to the field.
 void moveblock(tscalarfield& f, const tnatvector& a, const tnatvector& b, const tnatvector& d);
 void moveblock(tvectorfield& f, const tnatvector& a, const tnatvector& b, const tnatvector& d);
+void moveblock(ttensorfield& f, const tnatvector& a, const tnatvector& b, const tnatvector& d);
 
 // Runs of exactly n empty (all 0) slices across axis 0, 1 or 2 between filled ones, filled
 // by linear interpolation between the slices around them. The count of closed gaps.
