@@ -5,9 +5,9 @@ against vtkCellLocator's first hit (IntersectWithLine) on the same rays.
   render_bench.py VOXMILL [FOLDER]
 
 Both sides build their search structure inside the timed part: voxmill its hierarchy in
-each `mesh.render.color` (load and process start taken out by the difference of runs with
-one and with several renders), VTK BuildLocator and then one IntersectWithLine per ray
-from Python. A separate run saves voxmill's depths and compares them with VTK's hits.
+`mesh.render.color` (load and process start taken out: runs with the render less runs
+without), VTK BuildLocator and then one IntersectWithLine per ray from Python. Wall and CPU
+time (user + system, all threads) are given: on a shared machine the CPU time is steadier. A separate run saves voxmill's depths and compares them with VTK's hits.
 """
 import os
 import shutil
@@ -18,7 +18,7 @@ import time
 
 import numpy as np
 
-from benchlib import REPEAT, voxmill_once
+from benchlib import REPEAT, extra
 
 SIDE, SCALE, CENTRE = 256, 2.4, (0.0, 0.0, -3.0)
 SETUP = ['mesh.load "bumpy.ply"', "mesh.name object", "mesh.color <1, 1, 1>", "mesh.use screen", f"mesh.add.camera <{SIDE}, {SIDE}>",
@@ -79,12 +79,13 @@ def vtk_hits(folder):
             p1 = (o[0], o[1], o[2])
             if locator.IntersectWithLine(p1, (o[0], o[1], o[2] - length), 0.0, t, x, pc, sub, cell):
                 depths[k] = float(t) * length
-    times = []
+    walls, cpus = [], []
     for _ in range(REPEAT):
-        start = time.perf_counter()
+        start, cpu = time.perf_counter(), time.process_time()
         run()
-        times.append(time.perf_counter() - start)
-    return min(times), depths
+        walls.append(time.perf_counter() - start)
+        cpus.append(time.process_time() - cpu)
+    return (min(walls), min(cpus)), depths
 
 
 def voxmill_depths(binary, folder):
@@ -113,11 +114,12 @@ def main():
         nearer = (mdepth < vdepth)[~same].sum()
         print(f"  first hits agree on {same.mean() * 100:.3f} % of the rays; of the other {(~same).sum()},"
               f" voxmill's is the nearer in {nearer} (VTK slips through shared edges)")
-        print(f"  vtkCellLocator (build + IntersectWithLine from Python): {vtime:.3f} s, {count / vtime:,.0f} rays/s")
+        print(f"  vtkCellLocator (build + IntersectWithLine from Python): wall {vtime[0]:.3f} s, cpu {vtime[1]:.3f} s,"
+              f" {count / vtime[0]:,.0f} rays/s")
         for threads in (1, 2):
-            mtime = voxmill_once(binary, folder, SETUP, "cam := mesh.render.color", threads)
-            print(f"  voxmill mesh.render.color, thread.max {threads}: {mtime:.3f} s, {count / mtime:,.0f} rays/s,"
-                  f" ratio {vtime / mtime:.2f}x")
+            wall, cpu = extra(binary, folder, [f"thread.max := {threads}"] + SETUP, ["cam := mesh.render.color"])
+            print(f"  voxmill mesh.render.color, thread.max {threads}: wall {wall:.3f} s, cpu {cpu:.3f} s,"
+                  f" {count / wall:,.0f} rays/s, ratio {vtime[0] / wall:.2f}x wall, {vtime[1] / cpu:.2f}x cpu")
     finally:
         if len(sys.argv) <= 2:
             shutil.rmtree(folder, ignore_errors=True)
