@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "geometry/meshsample.h"
 #include "geometry/raybvh.h"
 #include "library/mathvector.h"
 #include "ops/blocks.h"
@@ -101,20 +102,6 @@ tvector hitcolor(const tmesh& source, int64_t order, trenderpart part, const tim
   return {c[0] / 255.0, c[1] / 255.0, c[2] / 255.0};
 }
 
-void facecolorsfrompoints(tmesh& m) {
-  for (int64_t i = 1; i <= m.faces.length; ++i) {
-    tface f = m.faces.get(i);
-    tvector sum{0, 0, 0};
-    int n = 0;
-    for (int64_t c : f.corners)
-      if (c >= 1 && c <= m.colors.length) sum = added(sum, m.colors.get(c)), ++n;
-    if (!n) continue;
-    const tvector mean = scaled(sum, 1.0 / n);
-    f.color = {mean[0], mean[1], mean[2], 1};
-    m.faces.put(i, f);
-  }
-}
-
 }  // namespace
 
 void meshrender(tmesh& camera, const tmesh& source, trenderpart part, double limit, int64_t threads,
@@ -143,16 +130,20 @@ void meshrender(tmesh& camera, const tmesh& source, trenderpart part, double lim
 }
 
 void projectcolor(timagefield& image, const tmesh& camera, int64_t w, int64_t h) {
-  if (w < 1 || h < 1) return println("  Empty projection size!");
+  constexpr int64_t side = int64_t{1} << 31;
+  if (w < 1 || h < 1 || w >= side || h >= side) return println("  Empty projection size!");
   if (fieldempty(image))
     fieldcreate(image, imagergb, {w, h, 1});
   else
     println("Attention, target image field seems not to be empty!");
+  if (fieldempty(image)) return;  // the memory ran out and has said so
   auto byte = [](double c) { return std::clamp<int64_t>(roundnat(c * 255), 0, 255); };
+  // Pixels beyond the image would be dropped anyway.
+  const int64_t width = std::min(w, imagesizex(image)), height = std::min(h, imagesizey(image));
   withkind(image, [&](auto view) {
-    for (int64_t y = 1; y <= h; ++y) {
-      progress("  Draw screen", static_cast<double>(y) / static_cast<double>(h));
-      for (int64_t x = 1; x <= w; ++x) {
+    for (int64_t y = 1; y <= height; ++y) {
+      progress("  Draw screen", static_cast<double>(y) / static_cast<double>(height));
+      for (int64_t x = 1; x <= width; ++x) {
         const int64_t face = x + (h - y) * w;
         if (face > camera.faces.length) continue;
         const auto& c = camera.faces.get(face).color;

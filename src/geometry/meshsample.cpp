@@ -46,16 +46,7 @@ template <class Color>
 void colorpoints(tmesh& m, Color color) {
   m.colors.resize(m.points.length);
   for (int64_t i = 1; i <= m.points.length; ++i) m.colors.put(i, color(i, m.points.get(i)));
-  for (int64_t i = 1; i <= m.faces.length; ++i) {
-    tface f = m.faces.get(i);
-    tvector sum{0, 0, 0};
-    int n = 0;
-    for (int64_t c : f.corners)
-      if (c >= 1 && c <= m.colors.length) sum = added(sum, m.colors.get(c)), ++n;
-    if (!n) continue;
-    f.color = {sum[0] / n, sum[1] / n, sum[2] / n, 1};
-    m.faces.put(i, f);
-  }
+  facecolorsfrompoints(m);
 }
 
 tvector grey(double v) { return {unit(v), unit(v), unit(v)}; }
@@ -96,6 +87,19 @@ std::vector<tvector> pointnormals(const tmesh& m) {
 }
 
 }  // namespace
+
+void facecolorsfrompoints(tmesh& m) {
+  for (int64_t i = 1; i <= m.faces.length; ++i) {
+    tface f = m.faces.get(i);
+    tvector sum{0, 0, 0};
+    int n = 0;
+    for (int64_t c : f.corners)
+      if (c >= 1 && c <= m.colors.length) sum = added(sum, m.colors.get(c)), ++n;
+    if (!n) continue;
+    f.color = {sum[0] / n, sum[1] / n, sum[2] / n, 1};
+    m.faces.put(i, f);
+  }
+}
 
 void colordensity(tmesh& m, const tscalarfield& f, double lo, double hi) {
   colorpoints(m, [&](int64_t, const tvector& p) { return grey((interpolated(f, localreal(f.space, p)) - lo) / (hi - lo)); });

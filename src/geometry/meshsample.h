@@ -6,6 +6,10 @@
 #include "field/scalarfield.h"
 #include "field/vectorfield.h"
 
+// Each face takes the mean of its corners' point colours, alpha 1; faces whose corners
+// have no colour keep theirs.
+void facecolorsfrompoints(tmesh& m);
+
 // Grey (value - lo) / (hi - lo), the value interpolated between the voxel centres.
 void colordensity(tmesh& m, const tscalarfield& f, double lo, double hi);
 // Grey length / maxlength: the length of the line along the point's normal, through the
