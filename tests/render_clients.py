@@ -16,6 +16,7 @@ import numpy as np
 R, N, ZC = 20.0, 56, -40.0
 AFFINE = np.array([[1, 0, 0, -28], [0, 1, 0, -28], [0, 0, 1, ZC - 28], [0, 0, 0, 1]], float)
 SIDE = 64  # camera pixels a side; the camera is scaled to 56 x 56 global units
+CYLINDER = 64  # sides of the cylinder about the tube camera
 
 MACRO = f"""debug.no
 scalar.load "ball.nii.gz"
@@ -38,6 +39,20 @@ mesh.projection.color <{SIDE}, {SIDE}>
 image.save "disc.png"
 mesh.use three
 mesh.save.ply.ascii "three.ply"
+mesh.use focus
+mesh.add.camera.focus <{SIDE}, {SIDE}> <0, 0, 0.5>
+mesh.use ball
+focus := mesh.render.depth
+mesh.use focus
+mesh.save.ply.ascii "focus.ply"
+mesh.use tube
+mesh.add.camera.tube <32, 8>
+mesh.use cylinder
+mesh.load "cylinder.ply"
+mesh.color <1, 1, 1>
+tube := mesh.render.depth
+mesh.use tube
+mesh.save.ply.ascii "tube.ply"
 mesh.use ball
 scalar.use ramp
 scalar.load "ramp.nii.gz"
@@ -85,10 +100,21 @@ def generate(d):
     sphere.SetRadius(10)
     sphere.SetThetaResolution(96)
     sphere.SetPhiResolution(96)
-    writer = vtk.vtkPLYWriter()
-    writer.SetInputConnection(sphere.GetOutputPort())
-    writer.SetFileName(str(d / "sphere.ply"))
-    writer.Write()
+    cylinder = vtk.vtkCylinderSource()  # radius 2 about y, turned to z below
+    cylinder.SetRadius(2)
+    cylinder.SetHeight(4)
+    cylinder.SetResolution(CYLINDER)
+    cylinder.CappingOff()
+    turn = vtk.vtkTransformPolyDataFilter()
+    turn.SetInputConnection(cylinder.GetOutputPort())
+    transform = vtk.vtkTransform()
+    transform.RotateX(90)
+    turn.SetTransform(transform)
+    for source, name in ((sphere, "sphere.ply"), (turn, "cylinder.ply")):
+        writer = vtk.vtkPLYWriter()
+        writer.SetInputConnection(source.GetOutputPort())
+        writer.SetFileName(str(d / name))
+        writer.Write()
 
 
 def ply(path):
@@ -128,6 +154,23 @@ def check(d):
     def body(name):
         return [line for line in (d / name).read_text().splitlines() if not line.startswith("comment")]
     expect(body("cam.ply") == body("three.ply"), "1 and 3 threads differ")
+
+    # Perspective: rays from the focus (0, 0, 0.5) through the unit screen onto the ball.
+    pts, nrm, _ = ply(d / "focus.ply")
+    ray = pts - [0, 0, 0.5]
+    ray /= np.linalg.norm(ray, axis=1)[:, None]
+    towards = pts - [0, 0, ZC]
+    b = np.einsum("ij,ij->i", ray, towards)
+    disc = b * b - np.einsum("ij,ij->i", towards, towards) + R * R
+    depth = np.linalg.norm(nrm, axis=1)
+    clear = disc > R * R / 4  # incidence below 60 degrees, whose cosine is sqrt(disc) / R
+    truth = -b - np.sqrt(np.maximum(disc, 0))
+    normal = (np.abs(depth - truth) * np.sqrt(np.maximum(disc, 0)) / R)[clear]
+    expect(clear.sum() > 100 and normal.max() <= 1 + 1e-6, f"focused depths {normal.max():.3f} off the sphere")
+    # The tube camera of radius 1 inside a cylinder of radius 2: depth 1 at the sides' middles.
+    _, nrm, _ = ply(d / "tube.ply")
+    depth = np.linalg.norm(nrm, axis=1)
+    expect(((depth > 2 * math.cos(math.pi / CYLINDER) - 1 - 1e-6) & (depth <= 1 + 1e-6)).all(), "tube depths off the cylinder")
 
     img = np.asarray(Image.open(d / "disc.png").convert("L"), float) / 255
     pixel = (56.0 / SIDE) ** 2
