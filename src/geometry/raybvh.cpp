@@ -52,8 +52,8 @@ struct tprim {
 
 // Binned surface-area splits over the primitives, which it reorders in place.
 struct tbuilder {
-  static constexpr int bins = 16;
-  static constexpr int32_t leafsize = 4;
+  static constexpr int bins = 8;
+  static constexpr int32_t leafsize = 8;
   // Below this depth every split halves, so no path is longer than maxdepth + 32 and the
   // traversal stack has a fixed size.
   static constexpr int maxdepth = 60;
