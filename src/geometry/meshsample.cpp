@@ -21,7 +21,7 @@ tvector localreal(const tspatial& s, const tvector& p) {
 // Trilinear between the eight voxels around a local position; outside reads the background.
 double interpolated(const tscalarfield& f, const tvector& local) {
   const double fx = std::floor(local[0]), fy = std::floor(local[1]), fz = std::floor(local[2]);
-  if (!std::isfinite(fx + fy + fz)) return static_cast<double>(getbackground(f));
+  if (!(std::fabs(fx) + std::fabs(fy) + std::fabs(fz) < 1e15)) return static_cast<double>(getbackground(f));
   const double wx = local[0] - fx, wy = local[1] - fy, wz = local[2] - fz;
   const auto x = static_cast<int64_t>(fx), y = static_cast<int64_t>(fy), z = static_cast<int64_t>(fz);
   double sum = 0;
@@ -128,7 +128,7 @@ void colorcount(tmesh& m, const tscalarfield& f, double radius) {
     std::array<int64_t, 3> lo, hi;
     for (int k = 0; k < 3; ++k) {
       const double reach = voxel[k] > 0 ? radius / voxel[k] : 0;
-      if (!std::isfinite(c[k] + reach) || reach > 1e4) return grey(0);
+      if (!(std::fabs(c[k]) < 1e15) || !(reach <= 1e4)) return grey(0);
       lo[k] = static_cast<int64_t>(std::ceil(c[k] - reach)), hi[k] = static_cast<int64_t>(std::floor(c[k] + reach));
     }
     for (int64_t z = lo[2]; z <= hi[2]; ++z)
