@@ -1,5 +1,4 @@
-// Blocks of fields with records (vectors, tensors): subfields and moved blocks, written
-// once and instantiated per family.
+// Blocks of volumes: subfields and moved blocks, written once and instantiated per family.
 #pragma once
 #include <algorithm>
 
