@@ -21,10 +21,11 @@ extern tprojectionsettings projectionsettings;
 
 // Casts the rays (at most `limit` long) of every camera point onto the visible faces of
 // source whose colour is not all zero; a face of the zero colour neither hides nor shows.
-// A hit point takes the colour (point colours, then each camera face the mean of its
-// corners) and its normal becomes the normal times the depth, so that point - normal is
-// the hit; a point without a hit keeps the zero colour and the zero normal. Prints where
-// both meshes lie; the result is the same for any thread count.
+// The colour forms give a hit point the face's colour (for uv the map's pixel at the face's
+// first uv corner), a missed one the zero colour, and each camera face the mean of its
+// corners. The depth forms make a hit point's normal the normal times the depth, so that
+// point - normal is the hit, and a missed point's normal zero: such a camera has spent
+// those rays. Prints where both meshes lie; the result is the same for any thread count.
 void meshrender(tmesh& camera, const tmesh& source, trenderpart part, double limit, int64_t threads,
                 const timagefield& uvmap);
 
