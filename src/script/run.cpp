@@ -102,8 +102,10 @@ namespace {
 constexpr int64_t maxlevel = 1000;
 
 // Where the outermost run began on the machine stack, and how much of it the nesting may use:
-// frames differ in size between builds, so the depth alone is no safe bound.
+// frames differ in size between builds, so the depth alone is no safe bound. The budget is
+// read as the outermost run begins, not at every block, which a loop enters at every pass.
 uintptr_t stackbase = 0;
+size_t stackroom = 0;
 
 size_t stackbudget() {
   rlimit limit{};
@@ -116,7 +118,7 @@ size_t stackbudget() {
 bool nestedtoodeep(const tscript& s) {
   const char here = 0;
   const uintptr_t now = reinterpret_cast<uintptr_t>(&here);
-  const bool deepstack = stackbase != 0 && stackbase > now && stackbase - now > stackbudget();
+  const bool deepstack = stackbase != 0 && stackbase > now && stackbase - now > stackroom;
   return s.level > maxlevel || deepstack;
 }
 
@@ -233,7 +235,10 @@ void runscript(tscript& s, bool needmembers) {
   // A sub-script of run nests inside the outer run and shares its stack budget.
   const char here = 0;
   const bool outermost = stackbase == 0;
-  if (outermost) stackbase = reinterpret_cast<uintptr_t>(&here);
+  if (outermost) {
+    stackbase = reinterpret_cast<uintptr_t>(&here);
+    stackroom = stackbudget();
+  }
   s.level = 0;
   s.blocknames.clear();
   s.prefix.clear();
