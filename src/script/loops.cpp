@@ -35,23 +35,24 @@ struct tpass {
   utf16 length, rest, count, relative;
 };
 
+// Held as texts of the engine, made once: a pass sets its variables without converting names.
 struct tloopnames {
-  const char* stack;
-  const char* length;
-  const char* rest;  // nullptr: the loop has no rest variable
-  const char* count;
-  const char* relative;
+  utf16 stack;
+  utf16 length;
+  utf16 rest;  // empty: the loop has no rest variable
+  utf16 count;
+  utf16 relative;
 };
 
 const tloopnames fornames{"for", "for.length", "for.rest", "for.count", "for.relative"};
-const tloopnames partnames{"for", "for.length", nullptr, "for.count", "for.relativ"};
-const tloopnames parallelnames{"parallel", "parallel.length", nullptr, "parallel.count", "parallel.relativ"};
+const tloopnames partnames{"for", "for.length", "", "for.count", "for.relativ"};
+const tloopnames parallelnames{"parallel", "parallel.length", "", "parallel.count", "parallel.relativ"};
 
 // Runs the body once with the pass's variables; returns the line of the body's end.
 int64_t runpass(tscript& s, int64_t start, const tloopnames& names, const tpass& pass) {
   s.line = start;
   newlocal(s, names.length, pass.length);
-  if (names.rest) newlocal(s, names.rest, pass.rest);
+  if (!empty(names.rest)) newlocal(s, names.rest, pass.rest);
   newlocal(s, names.count, pass.count);
   newlocal(s, names.relative, pass.relative);
   return runblock(s, names.stack, true);
@@ -76,7 +77,7 @@ void countingloop(tscript& s, const tloopnames& names, const utf16& echoword, Vi
     const int64_t n = truncated(s.params[0]);
     echotext(s, echoword, nattext(n));
     if (n == 0) {
-      passover(s, std::string(names.stack));
+      passover(s, utf16toutf8(names.stack));
       return;
     }
     const int64_t len = n < 0 ? -n : n;
@@ -113,7 +114,7 @@ void countingloop(tscript& s, const tloopnames& names, const utf16& echoword, Vi
     return;
   }
   if (ran) s.line = end;
-  else passover(s, std::string(names.stack));
+  else passover(s, utf16toutf8(names.stack));
 }
 
 void forloop(tscript& s, tframe& f) {
