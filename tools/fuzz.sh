@@ -6,7 +6,7 @@
 # BUILD_DIR/findings/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-dir=${BUILD_DIR:-build-fuzz}
+dir=$(realpath -m "${BUILD_DIR:-build-fuzz}")
 seconds=${FUZZ_SECONDS:-30}
 CC=clang CXX=clang++ cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVOXMILL_FUZZ=ON \
   -DVOXMILL_TESTS=OFF -DVOXMILL_BENCH=OFF >/dev/null
@@ -20,10 +20,12 @@ for t in "${targets[@]}"; do
   mkdir -p "$corpus"
   bash tests/fuzz/seeds.sh "$t" "$corpus"
   echo "== $t for $seconds s"
-  # The work of a run happens in its own directory, where the targets put their files.
-  if ! (cd "$dir" && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
-        "tests/fuzz/$t" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2560 -print_final_stats=1 \
-        -artifact_prefix="findings/$t-" "corpus/$t" 2>"$t.log"); then
+  # A run works in its own directory, where the macros of fuzz_macro may write files.
+  work="$dir/work/$t"
+  rm -rf "$work" && mkdir -p "$work"
+  if ! (cd "$work" && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+        "$dir/tests/fuzz/$t" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2560 -print_final_stats=1 \
+        -artifact_prefix="$dir/findings/$t-" "$corpus" 2>"$dir/$t.log"); then
     failed+=("$t")
     tail -40 "$dir/$t.log"
   fi

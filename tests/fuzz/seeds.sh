@@ -6,7 +6,9 @@ root="$(cd "$(dirname "$0")/../.." && pwd)"
 out=$2
 case "$1" in
   fuzz_macro)
-    find "$root/tests/macro" -name '*.macro' -size -3k -exec cp -t "$out" {} + ;;
+    for m in $(find "$root/tests/macro" -name '*.macro' -size -3k); do
+      cp "$m" "$out/$(basename "$(dirname "$m")")_$(basename "$m")"
+    done ;;
   fuzz_images)
     /usr/bin/python3 "$root/tests/fuzz/image_seeds.py" "$root/tests/data/hostile" "$out" ;;
   fuzz_nifti)
