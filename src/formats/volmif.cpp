@@ -82,7 +82,8 @@ bool mifload(tscalarfield& f, uint8_t kind, const utf16& name) {
   const bool mifx = equalutf8(lower(fileextension(name)), "mifx") ? fileexists(stem + ".mifx") || !fileexists(stem + ".mif")
                                                                  : !fileexists(stem + ".mif") && fileexists(stem + ".mifx");
   tlinefile text{};
-  if (!linefileread(text, stem + (mifx ? ".mifx" : ".mif")))
+  const utf16 header = stem + (mifx ? ".mifx" : ".mif");
+  if (!fileexists(header) || !linefileread(text, header))
     return volumefail(f, kind, "  Couldn't read File (" + stem + ".mif or .mifx)! Create empty field.");
   const bool ok = mifx ? mifxread(f, kind, stem, text) : mifread(f, kind, stem, text);
   linefilerelease(text);

@@ -25,7 +25,9 @@ bool rawload(tscalarfield& f, uint8_t kind, const utf16& name, int64_t header, c
   if (!knowntypecode(r.code)) {
     // The raw reader tells the unknown type and leaves a zero field.
     tvoxelsource src{};
-    rawread(f, kind, src, r);
+    if (sourceopen(src, name)) rawread(f, kind, src, r);
+    else volumefail(f, kind, "  Couldn't read File (" + name + ")! Create empty field.");
+    sourceclose(src);
     return false;
   }
   if (!volumeblock(f, kind, name, std::max<int64_t>(header, 0), r, 0)) return false;
