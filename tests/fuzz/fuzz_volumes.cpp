@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   consoleon = false;
   interactive = false;
   // Zero fields of claimed sizes are allowed, but not beyond what a fuzzer can hold.
-  setfieldmemorylimit(int64_t{256} << 20);
+  setfieldmemorylimit(int64_t{32} << 20);
   const std::string base = "/tmp/fuzz_volumes_" + std::to_string(getpid());
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   // Text headers and their data files share the input: the first half heads, the rest is data.
