@@ -118,53 +118,69 @@ int64_t byterle(const uint8_t* in, int64_t n, uint8_t* out, int64_t room) {
   return items;
 }
 
+bool filtered(const trawvolume& r) { return r.filtermul < 0 || r.filtermul > 1 || r.filteradd != 0; }
+
+// A zlib block inflated straight into a field that keeps the voxels as they are, else into
+// memory and through the raw conversion.
+bool inflateblock(tscalarfield& f, uint8_t kind, const uint8_t* packed, int64_t n, int64_t bytes, const trawvolume& r) {
+  const bool direct = (r.code == 8 && kind == scalargray) || (r.code == 16 && kind == scalarfullgray && !r.swap);
+  if (direct && !filtered(r)) {
+    bool ok = false;
+    fieldcreate(f, kind, r.size);
+    eachstorage(f, [&](auto& a) { ok = !fieldempty(f) && zlibinflate(packed, n, a.data, bytes) == bytes; });
+    progress("  3D" + utf16(progressword(kind)) + " (zip)", 1);
+    progressend();
+    return ok;
+  }
+  tvoxelsource src{};
+  const bool ok = sourcememory(src, "", bytes) && zlibinflate(packed, n, src.memory.data, bytes) == bytes &&
+                  rawread(f, kind, src, r);
+  sourceclose(src);
+  return ok;
+}
+
+// Byte runs decoded into memory, what is missing zero, then through the raw conversion; a
+// count that differs from the size is told.
+bool runblock(tscalarfield& f, uint8_t kind, const uint8_t* packed, int64_t n, __int128 wide, bool fits,
+              const trawvolume& r) {
+  const int64_t items = byterle(packed, n, nullptr, 0);
+  if (items != wide) println("Warning inconsistent RLE sizes " + nattext(items) + " vs. " + nattext(saturated(wide)) + " !");
+  tvoxelsource src{};
+  const bool ok = fits && sourcememory(src, "", static_cast<int64_t>(wide));
+  if (ok) {
+    std::fill_n(src.memory.data, src.size, uint8_t{0});
+    byterle(packed, n, src.memory.data, src.size);
+    rawread(f, kind, src, r);
+  }
+  sourceclose(src);
+  return ok;
+}
+
 // The packed block behind the head, decoded into a field of the head's size. Sizes that
 // the block cannot give are refused before anything is allocated: no zlib stream inflates
-// more than 1032 bytes from one, and a run gives at most 127 bytes from 2. Voxels that the
-// field keeps as they are inflate straight into it; others go through the raw conversion.
+// more than 1032 bytes from one, and a run gives at most 127 bytes from 2.
 bool readpacked(tscalarfield& f, uint8_t kind, const utf16& name, const tamirahead& h, const trawvolume& r) {
   const __int128 wide = static_cast<__int128>(r.size[0]) * r.size[1] * r.size[2] * voxelbytes(h.code);
   const int64_t n = filesize(name) - h.start;
   const bool zip = h.packing == tpacking::zip;
   const bool fits = wide <= static_cast<__int128>(n + 1) * (zip ? 1032 : 64);
+  fieldcreate(f, kind);
   if (!zip && voxelbytes(h.code) != 1) {
     println("  3D" + utf16(progressword(kind)) + " (" + nattext(h.code) + " - unknown type) with (" +
             nattext(r.size[0]) + "x" + nattext(r.size[1]) + "x" + nattext(r.size[2]) + ")");
-    fieldcreate(f, kind, fits ? r.size : tnatvector{0, 0, 0});
+    if (fits) fieldcreate(f, kind, r.size);
     return false;
   }
-  const int64_t bytes = saturated(wide);
-  tvoxelsource file{}, src{};
+  tvoxelsource file{};
   tlocalarray<tbytelist> buffer;
   const uint8_t* packed = nullptr;
   if (sourceopen(file, name) && sourceseek(file, h.start)) packed = sourcetake(file, n, *buffer);
   bool ok = packed != nullptr;
-  const bool filter = r.filtermul < 0 || r.filtermul > 1 || r.filteradd != 0;
-  const bool direct = (h.code == 8 && kind == scalargray) || (h.code == 16 && kind == scalarfullgray && !r.swap);
-  fieldcreate(f, kind);
-  if (ok && zip && direct && !filter && fits) {
-    fieldcreate(f, kind, r.size);
-    eachstorage(f, [&](auto& a) { ok = !fieldempty(f) && zlibinflate(packed, n, a.data, bytes) == bytes; });
-    progress("  3D" + utf16(progressword(kind)) + " (zip)", 1);
-    progressend();
-  } else if (ok && zip) {
-    ok = fits && sourcememory(src, name, bytes) && zlibinflate(packed, n, src.memory.data, bytes) == bytes;
-    ok = ok && rawread(f, kind, src, r);
-  } else if (ok) {
-    const int64_t items = byterle(packed, n, nullptr, 0);
-    if (items != wide) println("Warning inconsistent RLE sizes " + nattext(items) + " vs. " + nattext(bytes) + " !");
-    ok = fits && sourcememory(src, name, bytes);
-    if (ok) {
-      std::fill_n(src.memory.data, bytes, uint8_t{0});
-      byterle(packed, n, src.memory.data, bytes);
-      ok = rawread(f, kind, src, r);
-    }
-  }
+  if (ok) ok = zip ? fits && inflateblock(f, kind, packed, n, saturated(wide), r) : runblock(f, kind, packed, n, wide, fits, r);
   sourceclose(file);
-  sourceclose(src);
   if (!ok || fieldempty(f)) {
     fieldcreate(f, kind);
-    if (zip || !fits) println("  Couldn't read File (" + name + ")! Create empty field.");
+    if (zip || !packed) println("  Couldn't read File (" + name + ")! Create empty field.");
     return false;
   }
   return true;
