@@ -110,6 +110,7 @@ def generate(d):
                      f"<cell_begin>1 2</cell_begin>\n{slices}<\\data>\n<\\clip>\n").encode())
     xml = np.clip(np.rint(2 * c), 0, 255).astype(np.int64)
     case("xml", 'scalar.load.xml "c.xml"', 8, xml, (1, 2, 4), (0.5, 1, 0.5))
+    case("xml_mono", 'scalar.load.xml "c.xml"', 1, (xml > 0).astype(np.int64), (1, 2, 4), (0.5, 1, 0.5))
     # Amira: plain little- and big-endian words, byte runs and zlib.
     a = words(np.uint16)
     lo, sc = amira(d, "a.am", "ushort", a.astype("<u2").tobytes())
@@ -121,6 +122,7 @@ def generate(d):
     b.reshape(-1)[10:40] = 77  # a long run
     lo, sc = amira(d, "r.am", "byte", rle(b.tobytes()), "HxByteRLE")
     case("amira_rle", 'scalar.load "r.am"', 8, b.astype(np.int64), lo, sc)
+    case("amira_rle_mono", 'scalar.load "r.am"', 1, (b > 127).astype(np.int64), lo, sc)
     lo, sc = amira(d, "z.am", "ushort", zlib.compress(a.astype("<u2").tobytes()), "HxZip")
     case("amira_zip", 'scalar.load "z.am"', 16, a, lo, sc)
     case("amira_zip_gray", 'scalar.load "z.am"', 8, top(a, 16), lo, sc)
@@ -152,7 +154,7 @@ def generate(d):
     with open(os.path.join(d, "run.macro"), "w") as m:
         m.write("debug.no\n")
         for name, (load, bits, _, _) in cases.items():
-            m.write(f"scalar.{bits}bit\n{load}\nscalar.save \"out/{name}.nii\"\n")
+            m.write(f"scalar.{bits}bit\n{load}\nscalar.save \"out/{name}.{'hdr' if bits == 1 else 'nii'}\"\n")
     os.makedirs(os.path.join(d, "out"), exist_ok=True)
     json.dump({k: (v[1], v[2].tolist(), v[3].tolist()) for k, v in cases.items()}, open(os.path.join(d, "cases.json"), "w"))
 
@@ -192,18 +194,22 @@ def vtkfile(d):
     affine = np.diag([0.5, 1.5, 2.0, 1.0])
     affine[:3, 3] = (-4, 3, 1.25)
     cases["vtk"] = ('scalar.load "s.vtk"', 8, stored, affine)
+    cases["vtk_mono"] = ('scalar.load "s.vtk"', 1, (values > 0).astype(np.int64), affine)
 
 
 def check(d):
     failures = []
     for name, (bits, expected, affine) in json.load(open(os.path.join(d, "cases.json"))).items():
-        path = os.path.join(d, "out", name + ".nii")
+        path = os.path.join(d, "out", name + (".hdr" if bits == 1 else ".nii"))
         if not os.path.exists(path):
             failures.append(f"{name}: voxmill wrote no file")
             continue
         img = nib.load(path)
         got = np.asarray(img.dataobj).transpose(2, 1, 0).astype(np.int64)
         want = np.array(expected)
+        if bits == 1:  # a mono .img holds the packed bits, x fastest, first bit lowest
+            packed = np.fromfile(path[:-4] + ".img", np.uint8)[: (want.size + 7) // 8]
+            got = np.unpackbits(packed, bitorder="little")[: want.size].reshape(want.shape).astype(np.int64)
         if got.shape != want.shape:
             failures.append(f"{name}: shape {got.shape}, expected {want.shape}")
         elif not np.array_equal(got, want):
