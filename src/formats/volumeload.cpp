@@ -66,10 +66,12 @@ std::string lowertext(std::string_view text) {
 }
 
 namespace {
+// A number starts at a digit, or at a sign or a point that a digit (or a point and a digit) follows.
 bool numberstart(std::string_view t, size_t i) {
-  const char c = t[i];
-  if (c >= '0' && c <= '9') return true;
-  if ((c == '-' || c == '+' || c == '.') && i + 1 < t.size()) return numberstart(t.substr(i + 1), 0) || (c != '.' && t[i + 1] == '.');
+  const auto digit = [&](size_t k) { return k < t.size() && t[k] >= '0' && t[k] <= '9'; };
+  if (digit(i)) return true;
+  if (t[i] == '.') return digit(i + 1);
+  if (t[i] == '-' || t[i] == '+') return digit(i + 1) || (i + 1 < t.size() && t[i + 1] == '.' && digit(i + 2));
   return false;
 }
 }  // namespace
