@@ -65,16 +65,10 @@ int64_t product(int64_t a, int64_t b) {
 constexpr int64_t bigblock = 4 * mib;
 constexpr uintptr_t hugepage = 2 * mib;
 
-// Blocks from bigblock on always come as fresh mappings: untouched until used, given back
-// to the system when freed, and never cleared again by calloc.
-void preferfreshmappings() {
-  static const bool done = mallopt(M_MMAP_THRESHOLD, static_cast<int>(bigblock)) != 0;
-  (void)done;
-}
-
 // A volume is touched whole soon after it is allocated; in 4 KiB pages the page faults
 // cost about as much as filling it. The whole 2 MiB pages inside the block are asked for
-// as huge pages (a hint the kernel may ignore).
+// as huge pages (a hint the kernel may ignore; it matters for the fresh mappings that calloc
+// gives big blocks, whose pages are still untouched).
 void askhugepages(void* p, int64_t bytes) {
   const uintptr_t first = (reinterpret_cast<uintptr_t>(p) + hugepage - 1) & ~(hugepage - 1);
   const uintptr_t end = (reinterpret_cast<uintptr_t>(p) + static_cast<uintptr_t>(bytes)) & ~(hugepage - 1);
@@ -91,7 +85,6 @@ uint8_t* obtain(int64_t count, int64_t element) {
   int64_t bytes = 0;
   if (count < 1 || element < 1 || __builtin_mul_overflow(count, element, &bytes)) return nullptr;
   if (bytes > fieldmemorylimit() - held) return nullptr;
-  preferfreshmappings();
   void* p = std::calloc(static_cast<size_t>(count), static_cast<size_t>(element));
   if (p) held += bytes;
   if (p && bytes >= bigblock) askhugepages(p, bytes);
