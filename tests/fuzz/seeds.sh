@@ -23,4 +23,10 @@ PY
     printf 'v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n' >"$out/seed.obj"
     printf 'ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\nelement face 1\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n1 0 0\n0 1 0\n3 0 1 2\n' >"$out/seed.ply"
     printf 'solid s\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\nendloop\nendfacet\nendsolid s\n' >"$out/seed.stl" ;;
+  fuzz_volumes)
+    # The device and foreign files of the volume client test, each whole.
+    tmp=$(mktemp -d)
+    /usr/bin/python3 "$root/tests/volume_clients.py" generate "$tmp" >/dev/null
+    find "$tmp" -maxdepth 1 -type f ! -name '*.json' ! -name '*.macro' -exec cp {} "$out/" \;
+    rm -rf "$tmp" ;;
 esac
