@@ -6,3 +6,5 @@
 
 std::span<const tcommand> meshbuildrows();  // mesh_commands.cpp
 std::span<const tcommand> meshfilerows();   // mesh_file_commands.cpp
+std::span<const tcommand> meshtransformrows();  // mesh_transform_commands.cpp
+std::span<const tcommand> meshsmoothrows();     // mesh_smooth_commands.cpp
