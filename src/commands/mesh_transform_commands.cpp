@@ -1,7 +1,5 @@
 // The mesh family's moves, turns and scalings about the origin, a given centre or the
 // pivot, the pivot itself, and the edits of single coordinates.
-#include <numbers>
-
 #include "commands/fieldrows.h"
 #include "commands/mesh_rows.h"
 #include "field/workspaces.h"
@@ -26,9 +24,9 @@ bool centred(tscript& s, int64_t operands, tvector& centre, int64_t& first) {
   return current().points.length > 0;
 }
 
-void printrotation(tcentre where, const tvector& centre, const tquaternion& q, const tvector* degrees) {
+void printrotation(tcentre where, const tvector& centre, const trows& rows, const tvector* degrees) {
   if (where != tcentre::origin) println("Pivot: " + fivedecimals(centre));
-  for (const std::string& line : rotationlines(q, degrees)) println(line);
+  for (const std::string& line : rotationlines(rows, degrees)) println(line);
 }
 
 template <tcentre where>
@@ -57,30 +55,29 @@ void rotatecmd(tscript& s) {
   if (!centred<where>(s, 1, centre, first)) return;
   const tvector degrees = textvector(param(s, first));
   if (degrees == tvector{0, 0, 0}) return;
-  const tquaternion q = anglerotation(degrees);
-  printrotation(where, centre, q, &degrees);
-  meshrotate(current(), q, centre);
+  const trows rows = anglerotation(degrees);
+  printrotation(where, centre, rows, &degrees);
+  meshrotate(current(), rows, centre);
 }
 
 template <tcentre where>
 void rotatevectorcmd(tscript& s) {
   tvector centre;
   int64_t first;
-  tquaternion q;
+  trows rows;
   if (!centred<where>(s, 2, centre, first)) return;
-  if (!vectorrotation(textvector(param(s, first)), textvector(param(s, first + 1)), q)) return;
-  printrotation(where, centre, q, nullptr);
-  meshrotate(current(), q, centre);
+  if (!vectorrotation(textvector(param(s, first)), textvector(param(s, first + 1)), rows)) return;
+  printrotation(where, centre, rows, nullptr);
+  meshrotate(current(), rows, centre);
 }
 
 void threepointcmd(tscript& s) {
-  tquaternion q;
+  trows rows;
   if (!checkparams(s, 3) || !current().points.length) return;
-  if (!planerotation(textvector(param(s, 1)), textvector(param(s, 2)), textvector(param(s, 3)), q))
+  if (!planerotation(textvector(param(s, 1)), textvector(param(s, 2)), textvector(param(s, 3)), rows))
     return println("  Three points on one line: no rotation.");
-  println("  Rotate around " + fivedecimals(rotationaxis(q)) + " with angle " +
-          fivedecimals(std::array{rotationangle(q) * 180 / std::numbers::pi}));
-  meshrotate(current(), q, {0, 0, 0});
+  println("  Rotate around " + axisangletext(rows));
+  meshrotate(current(), rows, {0, 0, 0});
 }
 
 // The script reads the pivot back through the function mesh.pivot.

@@ -85,5 +85,5 @@ void meshprincipal(tmesh& m, int64_t stride) {
   if (vectorlength(e3) < 0.5) return;  // no frame: a degenerate or failed solution
   // New coordinates (p.e1, p.e2, p.e3): image of axis k is (e1[k], e2[k], e3[k]).
   const trows rows{tvector{e1[0], e2[0], e3[0]}, tvector{e1[1], e2[1], e3[1]}, tvector{e1[2], e2[2], e3[2]}};
-  meshrotate(m, matrixquaternion(rowsmatrix(rows)), {0, 0, 0});
+  meshrotate(m, rows, {0, 0, 0});
 }

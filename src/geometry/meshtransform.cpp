@@ -52,8 +52,7 @@ void meshscale(tmesh& m, const tvector& s, const tvector& centre) {
   });
 }
 
-void meshrotate(tmesh& m, const tquaternion& q, const tvector& centre) {
-  const trows r = quaternionrows(q);
+void meshrotate(tmesh& m, const trows& r, const tvector& centre) {
   auto turn = [&r](const tvector& v) {
     return tvector{r[0][0] * v[0] + r[1][0] * v[1] + r[2][0] * v[2], r[0][1] * v[0] + r[1][1] * v[1] + r[2][1] * v[2],
                    r[0][2] * v[0] + r[1][2] * v[1] + r[2][2] * v[2]};

@@ -10,8 +10,8 @@ void meshtranslate(tmesh& m, const tvector& move);
 // p -> centre + scale * (p - centre) per axis. Normals follow the inverse transpose and keep
 // their length, so that they stay normal to the scaled surface and a mirror keeps them outward.
 void meshscale(tmesh& m, const tvector& scale, const tvector& centre);
-// p -> centre + q (p - centre); normals turn with q.
-void meshrotate(tmesh& m, const tquaternion& q, const tvector& centre);
+// p -> centre + R (p - centre); normals turn with R, given by the images of the axes.
+void meshrotate(tmesh& m, const trows& rows, const tvector& centre);
 // The plane (a, b) turned by -angle (radians), taking direction angle in it to axis a.
 void meshplaneturn(tmesh& m, int a, int b, double angle);
 
