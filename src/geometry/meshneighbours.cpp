@@ -2,25 +2,26 @@
 
 #include <algorithm>
 
-#include "geometry/meshbuild.h"
-
-tmeshneighbours meshneighbours(tmesh& m) {
-  if (!m.pairssorted) sortpairs(m);
+tmeshneighbours meshneighbours(const tmesh& m) {
+  // A counting sort of the (point, face) pairs by point: faces stay ascending per point,
+  // which is the order of the sorted pairs, in linear time.
   tmeshneighbours nb;
   const int64_t points = m.points.length, faces = m.faces.length;
   nb.corners = m.trianglesonly ? 3 : 4;
   nb.start.assign(points + 2, 0);
-  nb.faces.reserve(m.pairs.length);
-  const auto* p = m.pairs.items();
-  // The pairs are sorted by point, so a running count gives each point's start.
-  for (int64_t i = 0; i < m.pairs.length; ++i) {
-    const int64_t point = p[i][0], face = p[i][1];
-    if (point < 1 || point > points || face < 1 || face > faces) continue;
-    ++nb.start[point + 1];
-    nb.faces.push_back(face);
-  }
-  nb.start[1] = 0;
+  const tface* f = m.faces.items();
+  auto eachcorner = [&](auto&& visit) {
+    for (int64_t i = 0; i < faces; ++i)
+      for (int c = 0; c < nb.corners; ++c) {
+        const int64_t p = f[i].corners[c];
+        if (p >= 1 && p <= points) visit(p, i + 1);
+      }
+  };
+  eachcorner([&](int64_t p, int64_t) { ++nb.start[p + 1]; });
   for (int64_t i = 2; i <= points + 1; ++i) nb.start[i] += nb.start[i - 1];
+  nb.faces.resize(nb.start[points + 1]);
+  std::vector<int64_t> next(nb.start.begin(), nb.start.end() - 1);
+  eachcorner([&](int64_t p, int64_t face) { nb.faces[next[p]++] = face; });
   return nb;
 }
 

@@ -1,5 +1,5 @@
-// What lies around each point of a mesh: the faces that hold it, read from the sorted
-// point-to-face pairs, and the corners of those faces.
+// What lies around each point of a mesh: the faces that hold it, in the order of the
+// sorted point-to-face pairs, and the corners of those faces.
 #pragma once
 #include <cstdint>
 #include <vector>
@@ -15,8 +15,8 @@ struct tmeshneighbours {
   int corners = 3;
 };
 
-// Sorts the pairs first if they are stale. Pairs that name no point of the mesh are left out.
-tmeshneighbours meshneighbours(tmesh& m);
+// Built from the faces in linear time; corners that name no point of the mesh are left out.
+tmeshneighbours meshneighbours(const tmesh& m);
 
 // Point i's neighbours are points[start[i] .. start[i + 1]).
 struct tpointlinks {

@@ -5,6 +5,7 @@
 
 #include "geometry/meshbuild.h"
 #include "geometry/meshneighbours.h"
+#include "geometry/meshtransform.h"
 #include "library/mathvector.h"
 #include "shell/console.h"
 
@@ -79,9 +80,7 @@ void meshsmooth(tmesh& m, tsmoothing kind, int64_t n) {
   const tpointlinks links = meshlinks(meshneighbours(m), m, false);
   for (int64_t i = 0; i < n; ++i) smoothpass(links, m.points, kind, label(kind));
   if (m.normals.length == m.points.length) smoothpass(links, m.normals, kind, "  Smooth normals");
-  // The points moved: the sharing of points starts anew, the pairs still hold.
-  meshpointschanged(m);
-  m.pairssorted = true;
+  meshpointsmoved(m);
 }
 
 void meshnormals(tmesh& m) { normalsfromfaces(m, "  Calculate normals"); }
