@@ -142,6 +142,18 @@ mesh.load "sphere.obj"
 mesh.hardsmooth 2
 mesh.save "hardsmooth.obj"
 mesh.clear
+mesh.load "sphere.obj"
+mesh.scale <3, 2, 1>
+mesh.rotate <30, 40, 50>
+mesh.translate <5, 6, 7>
+mesh.save "tilted.obj"
+mesh.adjust 2
+mesh.save "adjust.obj"
+mesh.clear
+mesh.load "tilted.obj"
+mesh.optimal 1
+mesh.save "optimal.obj"
+mesh.clear
 mesh.load "nan.ply"
 mesh.smooth 3
 mesh.rotate.vector <0, 0, 0> <1, 0, 0>
@@ -161,7 +173,7 @@ print "done"
     check(run.returncode == 0 and "\ndone" in console, "macro failed: %s %s" % (run.returncode, console[-500:]))
     check("Three points on one line" in console, "degenerate three points not told")
     blocks = rotation_blocks(console)
-    check(len(blocks) == 7, "%d rotations printed, 7 expected" % len(blocks))
+    check(len(blocks) == 8, "%d rotations printed, 8 expected" % len(blocks))
     if fails:
         return
     original = read_obj(d / "sphere.obj")[0]
@@ -200,6 +212,13 @@ print "done"
     for name in ("softsmooth", "smooth", "hardsmooth"):
         after = np.mean(np.abs(np.linalg.norm(read_obj(d / (name + ".obj"))[0], axis=1) - RADIUS))
         check(after < 0.6 * noise, "%s: mean distance to the sphere %.4f from %.4f" % (name, after, noise))
+    # Adjust and its principal-axes form lay the tilted ellipsoid back: centred, its axes on
+    # x, y, z from the longest to the shortest.
+    for name in ("adjust", "optimal"):
+        p = read_obj(d / (name + ".obj"))[0]
+        w, e = np.linalg.eigh(np.cov(p.T))
+        check(np.allclose(p.mean(0), 0, atol=1e-6), "%s: centred, mean %s" % (name, p.mean(0)))
+        check(np.all(np.abs(e[[2, 1, 0], [0, 1, 2]]) > 0.999), "%s: axes %s" % (name, e))
 
 
 if __name__ == "__main__":
