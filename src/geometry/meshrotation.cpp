@@ -22,7 +22,7 @@ std::array<double, 2> sincos(double degrees) {
   return {std::sin(degrees * degree), std::cos(degrees * degree)};
 }
 
-// The turn about one axis as rows; rows.
+// The turn about one axis, as the images of the axes.
 trows axisrows(int axis, double degrees) {
   const auto [s, c] = sincos(degrees);
   const int a = (axis + 1) % 3, b = (axis + 2) % 3;
@@ -62,6 +62,7 @@ bool vectorrotation(const tvector& from, const tvector& to, trows& rows) {
   if (vectorlength(from) == 0 || vectorlength(to) == 0 || !(angle > 0)) return false;
   tvector axis = cross(from, to);
   if (vectorlength(axis) <= 1e-12 * vectorlength(from) * vectorlength(to)) {
+    if (angle < std::numbers::pi / 2) return false;  // the same direction within rounding
     // Opposite directions: any normal axis will do; take the one away from the smallest component.
     const tvector a{std::fabs(from[0]), std::fabs(from[1]), std::fabs(from[2])};
     const int k = static_cast<int>(std::min_element(a.begin(), a.end()) - a.begin());
