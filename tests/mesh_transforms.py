@@ -3,7 +3,8 @@
 
   mesh_transforms.py VOXMILL DIR
 
-A noisy icosphere written by numpy is turned, turned back, mirrored and smoothed by a macro.
+A noisy sphere written by numpy is turned, turned back, mirrored, laid flat and smoothed by a
+macro.
 The printed rotations are checked against scipy.spatial.transform.Rotation (matrix,
 quaternion and X-Y'-Z'' angles), the saved points against the printed matrix, and the
 smoothing by the mean distance of the points to the true radius.
@@ -27,29 +28,21 @@ def check(ok, what):
         fails.append(what)
 
 
-def icosphere(level):
-    t = (1 + 5 ** 0.5) / 2
-    v = [(-1, t, 0), (1, t, 0), (-1, -t, 0), (1, -t, 0), (0, -1, t), (0, 1, t), (0, -1, -t), (0, 1, -t),
-         (t, 0, -1), (t, 0, 1), (-t, 0, -1), (-t, 0, 1)]
-    f = [(0, 11, 5), (0, 5, 1), (0, 1, 7), (0, 7, 10), (0, 10, 11), (1, 5, 9), (5, 11, 4), (11, 10, 2), (10, 7, 6),
-         (7, 1, 8), (3, 9, 4), (3, 4, 2), (3, 2, 6), (3, 6, 8), (3, 8, 9), (4, 9, 5), (2, 4, 11), (6, 2, 10),
-         (8, 6, 7), (9, 8, 1)]
-    v = [np.array(p, float) / np.linalg.norm(p) for p in v]
-    for _ in range(level):
-        middle, g = {}, []
+def winding(points, faces):
+    a, b, c = (points[faces[:, k]] for k in range(3))
+    return np.einsum("ij,ij->i", np.cross(b - a, c - a), (a + b + c) / 3)
 
-        def mid(a, b):
-            key = (min(a, b), max(a, b))
-            if key not in middle:
-                m = v[a] + v[b]
-                v.append(m / np.linalg.norm(m))
-                middle[key] = len(v) - 1
-            return middle[key]
-        for a, b, c in f:
-            ab, bc, ca = mid(a, b), mid(b, c), mid(c, a)
-            g += [(a, ab, ca), (b, bc, ab), (c, ca, bc), (ab, bc, ca)]
-        f = g
-    return np.array(v), np.array(f)
+
+def sphere(n):
+    """n points spread evenly on the unit sphere (a Fibonacci spiral), their hull's triangles outward."""
+    from scipy.spatial import ConvexHull
+    z = 1 - (2 * np.arange(n) + 1) / n
+    t = np.arange(n) * np.pi * (3 - 5 ** 0.5)
+    points = np.stack([np.sqrt(1 - z * z) * np.cos(t), np.sqrt(1 - z * z) * np.sin(t), z], -1)
+    faces = ConvexHull(points).simplices
+    inward = winding(points, faces) < 0
+    faces[inward] = faces[inward][:, ::-1]
+    return points, faces
 
 
 def write_obj(path, points, faces):
@@ -91,14 +84,9 @@ def check_block(block, rotation, label):
     return rows.T
 
 
-def winding(points, faces):
-    a, b, c = (points[faces[:, k]] for k in range(3))
-    return np.einsum("ij,ij->i", np.cross(b - a, c - a), (a + b + c) / 3)
-
-
 def main(binary, d):
     rng = np.random.default_rng(7)
-    unit, faces = icosphere(4)
+    unit, faces = sphere(2500)
     noisy = unit * (RADIUS + rng.normal(0, NOISE, len(unit)))[:, None]
     write_obj(d / "sphere.obj", noisy, faces)
     # A binary PLY with a NaN point: text readers would not carry it.
