@@ -4,8 +4,7 @@
   mesh_transforms.py VOXMILL DIR
 
 A noisy sphere written by numpy is turned, turned back, mirrored, laid flat and smoothed by a
-macro.
-The printed rotations are checked against scipy.spatial.transform.Rotation (matrix,
+macro. The printed rotations are checked against scipy.spatial.transform.Rotation (matrix,
 quaternion and X-Y'-Z'' angles), the saved points against the printed matrix, and the
 smoothing by the mean distance of the points to the true radius.
 """
