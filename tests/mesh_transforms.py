@@ -116,6 +116,8 @@ mesh.mirror.x
 mesh.save "mirror.obj"
 mesh.face.flip
 mesh.save "flip.obj"
+mesh.normal.ortho
+mesh.save "ortho.obj"
 mesh.clear
 mesh.load "sphere.obj"
 mesh.smooth 2
@@ -194,6 +196,9 @@ print "done"
     check(np.all(winding(mp, mf) < 0) and np.all(winding(noisy, faces) > 0), "mirror turns the corner order inward")
     fp, _, ff = read_obj(d / "flip.obj")
     check(np.all(winding(fp, ff) > 0), "face.flip turns it outward again")
+    # The flipped faces give the mirrored normals again, each turned to its nearest axis.
+    axes = np.eye(3)[np.argmax(np.abs(mn), 1)] * np.sign(mn)
+    check(np.array_equal(read_obj(d / "ortho.obj")[1], axes), "orthonormals are the nearest axes")
     # Smoothing: the points come nearer to the true sphere.
     noise = np.mean(np.abs(np.linalg.norm(noisy, axis=1) - RADIUS))
     for name in ("softsmooth", "smooth", "hardsmooth"):
