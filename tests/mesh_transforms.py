@@ -143,6 +143,14 @@ mesh.load "tilted.obj"
 mesh.optimal 1
 mesh.save "optimal.obj"
 mesh.clear
+mesh.load "tilted.obj"
+mesh.reduce 3
+mesh.save "reduce.obj"
+mesh.clear
+mesh.load "tilted.obj"
+mesh.enhance 0.1
+mesh.save "enhance.obj"
+mesh.clear
 mesh.load "nan.ply"
 mesh.smooth 3
 mesh.rotate.vector <0, 0, 0> <1, 0, 0>
@@ -206,7 +214,7 @@ print "done"
         check(after < 0.6 * noise, "%s: mean distance to the sphere %.4f from %.4f" % (name, after, noise))
     # Adjust and its principal-axes form lay the tilted ellipsoid back: centred, its axes on
     # x, y, z from the longest to the shortest.
-    for name in ("adjust", "optimal"):
+    for name in ("adjust", "optimal", "reduce", "enhance"):
         p = read_obj(d / (name + ".obj"))[0]
         w, e = np.linalg.eigh(np.cov(p.T))
         check(np.allclose(p.mean(0), 0, atol=1e-6), "%s: centred, mean %s" % (name, p.mean(0)))
