@@ -5,6 +5,7 @@
 #include "field/workspaces.h"
 #include "geometry/meshrotation.h"
 #include "geometry/meshtransform.h"
+#include "library/mathvector.h"
 #include "shell/console.h"
 
 namespace {
