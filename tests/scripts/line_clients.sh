@@ -115,6 +115,8 @@ assert head[1].split()[-1] == str(lines) and head[2].split()[-1] == str(points)
 mv = np.loadtxt("s.mv3d", comments="#")
 assert len(mv) == points and mv[:, 0].max() == lines and np.allclose(mv[:, 1:], np.vstack(ref))
 mel = open("s.mel").read().splitlines()
+import re
+assert re.fullmatch(r"// Last modified: \d{4}/\d\d/\d\d \d\d:\d\d:\d\d", mel[2]), mel[2]
 assert mel[0] == "// Maya MEL" and sum(l.startswith("curve") for l in mel) == lines and mel[-1] == "// End of s.mel"
 PYEOF
 # OBJ: t stands as a fourth vertex value, which assimp takes for w and refuses when 0
