@@ -263,3 +263,18 @@ void copyfield(tscalarfield& target, const tscalarfield& source) {
 }
 
 void copyfield(timagefield& target, const timagefield& source) { imagecopyfrom(target, source); }
+
+namespace {
+// Kind, size, values and settings of a field of the vector records.
+template <class F>
+void copyrecords(F& target, const F& source) {
+  fieldcreate(target, source.kind, fieldsize(source));
+  eachgridpair(target, source, [](const auto& t, const auto& s) {
+    if (t.count() == s.count()) std::copy_n(s.v, s.count(), t.v);
+  });
+  copysettings(target, source);
+}
+}  // namespace
+
+void copyfield(tvectorfield& target, const tvectorfield& source) { copyrecords(target, source); }
+void copyfield(ttensorfield& target, const ttensorfield& source) { copyrecords(target, source); }

@@ -12,10 +12,14 @@
 
 #include "field/imagefield.h"
 #include "field/scalarfield.h"
+#include "field/tensorfield.h"
+#include "field/vectorfield.h"
 
 // An equal copy: kind, size, samples, labels, title, place in space and settings.
 void copyfield(tscalarfield& target, const tscalarfield& source);
 void copyfield(timagefield& target, const timagefield& source);
+void copyfield(tvectorfield& target, const tvectorfield& source);
+void copyfield(ttensorfield& target, const ttensorfield& source);
 
 // The size along an axis for a factor: size * f rounded, halves up.
 int64_t scaledsize(int64_t size, double f);
