@@ -38,6 +38,34 @@ TEST(LineOps, BuildingCountsLinesAndObjects) {
   fieldrelease(c);
 }
 
+TEST(LineOps, LinesAddedAtOnceAsPointByPoint) {
+  // an open line takes the first line's points; a line of no points adds nothing
+  tcloud a, b;
+  fieldcreate(a);
+  fieldcreate(b);
+  const tcloudpoint p{1, 2, 3, 4}, q{5, 6, 7, 8};
+  addpoint(a, p);
+  addpoint(b, p);
+  for (const tcloudpoint& x : {q, p}) addpoint(a, x);
+  closeline(a, 7);
+  addpoint(a, q);
+  closeline(a, 9);
+  const tcloudpoint points[] = {q, p, q};
+  const tlineentry lines[] = {{2, 7}, {0, 8}, {1, 9}};
+  addlines(b, points, lines);
+  ASSERT_EQ(b.points.length, a.points.length);
+  for (int64_t i = 1; i <= a.points.length; ++i) EXPECT_EQ(b.points.get(i), a.points.get(i));
+  ASSERT_EQ(linecount(b), linecount(a));
+  for (int64_t l = 1; l <= linecount(a); ++l) {
+    EXPECT_EQ(linerange(b, l).first, linerange(a, l).first);
+    EXPECT_EQ(b.linetags.get(l), a.linetags.get(l));
+  }
+  EXPECT_EQ(b.objectstarts.length, 1);
+  EXPECT_FALSE(b.lineopen);
+  fieldrelease(a);
+  fieldrelease(b);
+}
+
 TEST(LineOps, TimeFromGeometryAndStatistics) {
   tcloud c = cloudof({{{5, 5, 5, 9}}, {{0, 0, 0, 1}, {3, 4, 0, 2}, {3, 4, 12, 6}}});
   linelengths(c);  // a single point gets 0
