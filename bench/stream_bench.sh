@@ -3,6 +3,7 @@
 # 100000 and vector.stream.mask against dipy's LocalTracking (peaks direction getter from
 # the same vectors, threshold stopping, step 1 voxel) and MRtrix3's tckgen FACT on the same
 # vectors as a peaks image, and the .trk save against nibabel.streamlines.save, in one run.
+# Tracing is timed in CPU seconds, the save in wall time.
 #   bench/stream_bench.sh [path/to/voxmill]
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
