@@ -1,15 +1,11 @@
-// Blocks of fields with records (vectors, tensors): subfields, moved blocks and exact
-// copies, written once and instantiated per family.
+// Blocks of volumes: subfields and moved blocks, written once and instantiated per family.
 #pragma once
 #include <algorithm>
-#include <type_traits>
 
 #include "commands/workspace_handlers.h"
-#include "ops/resample.h"
 #include "ops/reshape.h"
 #include "script/registry.h"
 #include "script/values.h"
-#include "shell/console.h"
 
 // Two corners by the position rule, each pair put in order.
 template <auto& W>
@@ -30,17 +26,4 @@ void moveblockcmd(tscript& s) {
   auto& f = currentfield(W);
   moveblock(f, fieldpositions(f, textvector(param(s, 1))), fieldpositions(f, textvector(param(s, 2))),
             textnatvector(param(s, 3)));
-}
-
-// Only the exact copy: no factor, or one of 0 and below.
-template <auto& W>
-void exactcopycmd(tscript& s) {
-  if (paramcount(s) > 1) return reportmax(s, 1);
-  if (paramcount(s) == 1 && textreal(param(s, 1)) > 0) {
-    constexpr bool vectors = std::is_same_v<workspacefieldof<W>, tvectorfield>;
-    println(vectors ? "  Vector fields are copied only as they are (factor 0)!"
-                    : "  Tensor fields are copied only as they are (factor 0)!");
-    return;
-  }
-  if (auto* target = resulttarget<W>(s, true)) copyfield(*target, currentfield(W));
 }

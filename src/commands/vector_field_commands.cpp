@@ -5,6 +5,7 @@
 
 #include "commands/combine_handlers.h"
 #include "commands/reshape_handlers.h"
+#include "commands/resample_handlers.h"
 #include "commands/vector_rows.h"
 #include "field/workspaces.h"
 #include "ops/reshape.h"
@@ -95,8 +96,11 @@ const tcommand fieldrows[] = {
     {"flip.y", procedure, flipcmd<1>, nullptr, "flip.y // reverse the y axis"},
     {"flip.z", procedure, flipcmd<2>, nullptr, "flip.z // reverse the z axis"},
     eitherway("substack", substackcmd<W>, "new := substack <10, 10, 10> <50%, 50%, 50%> // copy the block between two corners"),
-    eitherway("copy", exactcopycmd<W>, "new := copy // an exact copy of the current field"),
-    eitherway("copyscale", exactcopycmd<W>, "new := copyscale // same as copy"),
+    {"copy.method", procedure, copymethodcmd<W>, nullptr,
+     "copy.method 1 // per component, binning: 0 sum, 1 mean, 2 sd, 3 min, 4 Q.25, 5 median, 6 Q.75, 7 max; upscaling: 0 block, 1 trilinear, 2 Lanczos"},
+    eitherway("copy", copycmd<W>, "new := copy 0.5 // or <fx, fy, fz>: copy and scale each component to new; no factor: exact copy"),
+    eitherway("copyscale", copycmd<W>, "new := copyscale 0.5 // same as copy"),
+    eitherway("resize", resizecmd<W>, "new := resize <100, 100, 100> // copy and scale to this size"),
     eitherway("add", arithmeticcmd<addition, addone, vectormath::sum>,
               "new := add old1 old2 ... // the sum of 2 to 99 fields; add <x, y, z>: added to every vector"),
     eitherway("sub", arithmeticcmd<subtraction, subone, vectormath::difference>,

@@ -36,9 +36,13 @@ inline void copysettings(timagefield& to, const timagefield& from) {
 inline void copysettings(tvectorfield& to, const tvectorfield& from) {
   to.space = from.space;
   to.background = from.background;
+  to.copymethod = from.copymethod;
 }
 
-inline void copysettings(ttensorfield& to, const ttensorfield& from) { to.space = from.space; }
+inline void copysettings(ttensorfield& to, const ttensorfield& from) {
+  to.space = from.space;
+  to.copymethod = from.copymethod;
+}
 
 // op(target grid, source grid) for each array pair of two fields of one kind: a volume's
 // one array (mono lent as bytes), an image's planes in order. The source is read only;
