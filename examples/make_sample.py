@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Sample data for the demo job: a noisy 16-bit volume with two spheres of different
-brightness in 0.5 mm voxels (NIfTI), a colour image of three overlapping discs (PPM), and
-a fibre volume: a straight and a curved tube with a bright core (8-bit NIfTI).
+brightness in 0.5 mm voxels (NIfTI), and a fibre volume of two straight tubes with a bright
+core, one along x and one along the diagonal (1, 1, 0) (8-bit NIfTI).
 
   make_sample.py FOLDER
 """
@@ -10,7 +10,6 @@ import sys
 
 import nibabel as nib
 import numpy as np
-from PIL import Image
 
 
 def phantom(rng):
@@ -26,20 +25,13 @@ def phantom(rng):
     return nib.Nifti1Image(data, affine, dtype=np.uint16)
 
 
-def discs(rng):
-    y, x = np.mgrid[0:120, 0:160]
-    rgb = np.zeros((120, 160, 3), np.float32) + 30
-    for channel, (cx, cy) in enumerate([(60, 50), (100, 50), (80, 80)]):
-        rgb[..., channel] += 180 * (((x - cx) ** 2 + (y - cy) ** 2) < 35 ** 2)
-    rgb += rng.normal(0, 12, rgb.shape)
-    return Image.fromarray(np.clip(rgb, 0, 255).astype(np.uint8), "RGB")
-
-
 def fibres(rng):
+    """Two tubes with a bright core that do not touch: one along x, one along the
+    diagonal (1, 1, 0) of the lower half."""
     x, y, z = np.mgrid[0:48, 0:48, 0:48].astype(np.float32)
-    straight = np.hypot(y - 14, z - 24)
-    curved = np.hypot(np.hypot(x + 8, y + 8) - 52, z - 20)
-    near = np.minimum(straight, curved)
+    straight = np.hypot(y - 24, z - 34)
+    diagonal = np.hypot((x - y) / np.sqrt(2), z - 12)
+    near = np.minimum(straight, diagonal)
     v = 220 - 10 * near ** 2 + rng.normal(0, 1.5, near.shape)
     return nib.Nifti1Image(np.where(near <= 4.5, np.clip(v, 1, 255), 0).astype(np.uint8), np.eye(4))
 
@@ -49,7 +41,6 @@ def main():
     os.makedirs(folder, exist_ok=True)
     rng = np.random.default_rng(7)
     nib.save(phantom(rng), os.path.join(folder, "phantom.nii.gz"))
-    discs(rng).save(os.path.join(folder, "discs.ppm"))
     nib.save(fibres(rng), os.path.join(folder, "fibres.nii.gz"))
 
 

@@ -9,3 +9,4 @@ mkdir -p build/example
 cp examples/demo.macro build/example/
 cd build/example
 ../voxmill -strict -macro=demo.macro demo-output
+echo "The files are in $(pwd)/demo-output"

@@ -48,14 +48,15 @@ void diagnosticcmd(tscript& s) {
       param(s, 1));
 }
 
-// The chart forms: a file name, optional point and offset; the figures go to the log.
-template <void (*run)(const tscalarfield&, const tnatvector&)>
+// The chart forms: a file name, optional point and offset.
+template <bool (*run)(const tscalarfield&, const tnatvector&, const utf16&)>
 void sweepcmd(tscript& s) {
   const int64_t n = paramcount(s);
   if (n < 1) return reportmin(s, 1);
   if (n > 3) return reportmax(s, 3);
   const tscalarfield& f = currentfield(scalarworkspace);
-  run(f, diagnosticpoint(f, n >= 2 ? textvector(param(s, 2)) : tvector{}, n >= 3 ? textvector(param(s, 3)) : tvector{}));
+  run(f, diagnosticpoint(f, n >= 2 ? textvector(param(s, 2)) : tvector{}, n >= 3 ? textvector(param(s, 3)) : tvector{}),
+      param(s, 1));
 }
 
 // The setters store what they are given, unchecked; numbers of methods keep their low byte.

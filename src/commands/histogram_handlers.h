@@ -57,6 +57,7 @@ void analysisrawcmd(tscript& s) {
 
 inline utf16 fieldfilename(const timagefield& f) { return f.name; }
 inline utf16 fieldfilename(const tscalarfield& f) { return f.title; }
+inline utf16 fieldfilename(const tvectorfield&) { return utf16("vectors"); }
 
 template <class F>
 utf16 charttitleof(const F& f) {

@@ -1,6 +1,7 @@
 // The scalar family's subfields, crops, moves, gap patches and flips.
 #include "commands/morphology_handlers.h"
 #include "commands/resample_handlers.h"
+#include "commands/reshape_handlers.h"
 #include "field/workspaces.h"
 #include "ops/reshape.h"
 
@@ -8,21 +9,6 @@ namespace {
 
 constexpr auto& W = scalarworkspace;
 tscalarfield& current() { return currentfield(W); }
-
-// Two corners by the position rule; each pair put in order.
-void corners(tscalarfield& f, const utf16& a, const utf16& b, tnatvector& lo, tnatvector& hi) {
-  const tnatvector p = fieldpositions(f, textvector(a)), q = fieldpositions(f, textvector(b));
-  for (int k = 0; k < 3; ++k) lo[k] = std::min(p[k], q[k]), hi[k] = std::max(p[k], q[k]);
-}
-
-void substackcmd(tscript& s) {
-  if (!checkparams(s, 2)) return;
-  tscalarfield* target = resulttarget<W>(s, true);
-  if (!target) return;
-  tnatvector lo, hi;
-  corners(current(), param(s, 1), param(s, 2), lo, hi);
-  subfield(*target, current(), lo, hi);
-}
 
 // r in place; new := crop r, new := crop old1 r, new := crop old1 mask r.
 void cropcmd(tscript& s) {
@@ -37,13 +23,6 @@ void cropcmd(tscript& s) {
   if (target) cropfield(*target, *source, mask, rangeparam<W>(s, n));
 }
 
-void movecmd(tscript& s) {
-  if (!checkparams(s, 3)) return;
-  tnatvector lo, hi;
-  corners(current(), param(s, 1), param(s, 2), lo, hi);
-  moveblock(current(), lo, hi, textnatvector(param(s, 3)));
-}
-
 template <int axis>
 void patchcmd(tscript& s) {
   if (checkparams(s, 1)) patchgaps(current(), axis, textnat(param(s, 1)));
@@ -56,10 +35,10 @@ void flipcmd(tscript& s) {
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    eitherway("substack", substackcmd, "new := substack <10, 10, 10> <50%, 50%, 50%> // copy the block between two corners"),
+    eitherway("substack", substackcmd<W>, "new := substack <10, 10, 10> <50%, 50%, 50%> // copy the block between two corners"),
     eitherway("crop", cropcmd,
               "crop <1, 10> // cut to the box of the voxels in range; new := crop old1 mask <1, 10>: of the mask's voxels"),
-    {"move", procedure, movecmd, nullptr, "move <10, 10, 10> <20, 20, 20> <0, 50, 50> // move block (<10, 10, 10> <20, 20, 20>) with <0, 50, 50> to <10, 60, 60>"},
+    {"move", procedure, moveblockcmd<W>, nullptr, "move <10, 10, 10> <20, 20, 20> <0, 50, 50> // move block (<10, 10, 10> <20, 20, 20>) with <0, 50, 50> to <10, 60, 60>"},
     {"patch.x", procedure, patchcmd<0>, nullptr, "patch.x 1 // close gaps of 1 empty slice along x"},
     {"patch.y", procedure, patchcmd<1>, nullptr, "patch.y 1 // close gaps of 1 empty slice along y"},
     {"patch.z", procedure, patchcmd<2>, nullptr, "patch.z 1 // close gaps of 1 empty slice along z"},

@@ -2,6 +2,7 @@
 // edits of the tensors themselves.
 #include "commands/tensor_rows.h"
 #include "commands/threads.h"
+#include "commands/workspace_handlers.h"
 #include "field/workspaces.h"
 #include "orientation/tensoredit.h"
 #include "orientation/tensormeasures.h"
@@ -31,18 +32,6 @@ void flipcmd(tscript& s) {
   if (checkparams(s, 0)) tensorflip(currentfield(tensorworkspace), axis);
 }
 
-// A field of the workspace's kind made anew with the tensor field's size and place.
-template <auto& W>
-void makecmd(tscript& s) {
-  if (!checkparams(s, 0)) return;
-  const ttensorfield& t = currentfield(tensorworkspace);
-  const tspatial space = t.space;
-  const tnatvector size = fieldsize(t);
-  auto& f = currentfield(W);
-  fieldcreate(f, W.defaultkind, size);
-  f.space = space;
-}
-
 using enum tcommandkind;
 const tcommand rows[] = {
     {"measure.e1", procedure, measurecmd<tmeasure::e1>, nullptr, "measure.e1 // first eigenvalue into the scalar field (x128)"},
@@ -67,10 +56,10 @@ const tcommand rows[] = {
     {"flip.x", procedure, flipcmd<0>, nullptr, "flip.x // mirror along x, with the signs of xy and xz"},
     {"flip.y", procedure, flipcmd<1>, nullptr, "flip.y // mirror along y, with the signs of xy and yz"},
     {"flip.z", procedure, flipcmd<2>, nullptr, "flip.z // mirror along z, with the signs of xz and yz"},
-    {"make.scalar", procedure, makecmd<scalarworkspace>, nullptr, "make.scalar // new scalar field of the tensor field's size"},
-    {"make.vector", procedure, makecmd<vectorworkspace>, nullptr, "make.vector // new vector field of the tensor field's size"},
-    {"make", procedure, makecmd<tensorworkspace>, nullptr, "make // the tensor field made anew at its size (all zero)"},
-    {"make.tensor", procedure, makecmd<tensorworkspace>, nullptr, "make.tensor // same as make"},
+    {"make.scalar", procedure, makecmd<tensorworkspace, scalarworkspace>, nullptr, "make.scalar // new scalar field of the tensor field's size"},
+    {"make.vector", procedure, makecmd<tensorworkspace, vectorworkspace>, nullptr, "make.vector // new vector field of the tensor field's size"},
+    {"make", procedure, makecmd<tensorworkspace, tensorworkspace>, nullptr, "make // the tensor field made anew at its size (all zero)"},
+    {"make.tensor", procedure, makecmd<tensorworkspace, tensorworkspace>, nullptr, "make.tensor // same as make"},
 };
 
 }  // namespace

@@ -5,3 +5,4 @@
 #include "commands/commandtable.h"
 
 std::span<const tcommand> tensormeasurerows();
+std::span<const tcommand> tensorplainrows();  // tensor_plain_commands.cpp

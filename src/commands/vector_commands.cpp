@@ -47,6 +47,8 @@ tcommandfamily vectorcommands() {
                                                                     vectoroprows(),
                                                                     vectorderiverows(),
                                                                     vectorfieldrows(),
+                                                                    vectorplainrows(),
+                                                                    vectorhistogramrows(),
                                                                     streamrows(),
                                                                 });
   return {"vector.", rows};
@@ -54,6 +56,7 @@ tcommandfamily vectorcommands() {
 
 tcommandfamily tensorcommands() {
   static const std::vector<tcommand> rows =
-      prefixed("tensor.", {workspacerows<tensorworkspace>(), tensorrows, spatialrows<tensorworkspace>(), tensorfilerows(), tensormeasurerows()});
+      prefixed("tensor.", {workspacerows<tensorworkspace>(), tensorrows, spatialrows<tensorworkspace>(), tensorfilerows(), tensormeasurerows(),
+                            tensorplainrows()});
   return {"tensor.", rows};
 }

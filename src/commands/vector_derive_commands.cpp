@@ -6,6 +6,7 @@
 #include "field/owned.h"
 #include "field/workspaces.h"
 #include "commands/threads.h"
+#include "ops/resample.h"
 #include "orientation/vectorderive.h"
 #include "orientation/vectorgrid.h"
 #include "script/registry.h"
@@ -51,7 +52,7 @@ void factorcmd(tscript& s) {
   if (!target || !first || (n == 2 && !second)) return;
   tlocalfield<tvectorfield> result;
   if (n == 2 ? distancefactor(*first, *second, *result) : (distancefactor(*first, *result), true))
-    copyvectors(*result, *target);
+    copyfield(*target, *result);
   else
     println("  Different field sizes!");
 }

@@ -4,9 +4,12 @@
 #include <vector>
 
 #include "commands/combine_handlers.h"
+#include "commands/reshape_handlers.h"
+#include "commands/resample_handlers.h"
 #include "commands/vector_rows.h"
 #include "field/workspaces.h"
 #include "ops/reshape.h"
+#include "ops/resample.h"
 #include "orientation/vectoraccess.h"
 #include "orientation/vectorgrid.h"
 #include "orientation/vectormath.h"
@@ -45,28 +48,6 @@ void countfunc(tscript& s) {
 template <int axis>
 void flipcmd(tscript& s) {
   if (checkparams(s, 0)) flipfield(current(), axis);
-}
-
-// Only the exact copy: no factor, or one of 0 and below.
-void copycmd(tscript& s) {
-  if (paramcount(s) > 1) return reportmax(s, 1);
-  if (paramcount(s) == 1 && textreal(param(s, 1)) > 0) {
-    println("  Vector fields are copied only as they are (factor 0)!");
-    return;
-  }
-  if (tvectorfield* target = resulttarget<W>(s, true)) copyvectors(current(), *target);
-}
-
-// Two corners by the position rule, each pair put in order.
-void substackcmd(tscript& s) {
-  if (!checkparams(s, 2)) return;
-  tvectorfield* target = resulttarget<W>(s, true);
-  if (!target) return;
-  const tnatvector p = fieldpositions(current(), textvector(param(s, 1)));
-  const tnatvector q = fieldpositions(current(), textvector(param(s, 2)));
-  tnatvector lo, hi;
-  for (int k = 0; k < 3; ++k) lo[k] = std::min(p[k], q[k]), hi[k] = std::max(p[k], q[k]);
-  subfield(*target, current(), lo, hi);
 }
 
 // One vector: the current field changes by it; two to 99 names: new := op old1 old2 ...
@@ -114,8 +95,12 @@ const tcommand fieldrows[] = {
     {"flip.x", procedure, flipcmd<0>, nullptr, "flip.x // reverse the x axis"},
     {"flip.y", procedure, flipcmd<1>, nullptr, "flip.y // reverse the y axis"},
     {"flip.z", procedure, flipcmd<2>, nullptr, "flip.z // reverse the z axis"},
-    eitherway("substack", substackcmd, "new := substack <10, 10, 10> <50%, 50%, 50%> // copy the block between two corners"),
-    eitherway("copy", copycmd, "new := copy // an exact copy of the current field"),
+    eitherway("substack", substackcmd<W>, "new := substack <10, 10, 10> <50%, 50%, 50%> // copy the block between two corners"),
+    {"copy.method", procedure, copymethodcmd<W>, nullptr,
+     "copy.method 1 // per component, binning: 0 sum, 1 mean, 2 sd, 3 min, 4 Q.25, 5 median, 6 Q.75, 7 max; upscaling: 0 block, 1 trilinear, 2 Lanczos"},
+    eitherway("copy", copycmd<W>, "new := copy 0.5 // or <fx, fy, fz>: copy and scale each component to new; no factor: exact copy"),
+    eitherway("copyscale", copycmd<W>, "new := copyscale 0.5 // same as copy"),
+    eitherway("resize", resizecmd<W>, "new := resize <100, 100, 100> // copy and scale to this size"),
     eitherway("add", arithmeticcmd<addition, addone, vectormath::sum>,
               "new := add old1 old2 ... // the sum of 2 to 99 fields; add <x, y, z>: added to every vector"),
     eitherway("sub", arithmeticcmd<subtraction, subone, vectormath::difference>,

@@ -9,3 +9,5 @@
 std::span<const tcommand> vectoroprows();
 std::span<const tcommand> vectorderiverows();
 std::span<const tcommand> vectorfieldrows();
+std::span<const tcommand> vectorplainrows();      // vector_plain_commands.cpp
+std::span<const tcommand> vectorhistogramrows();  // the same file

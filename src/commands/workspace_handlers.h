@@ -86,6 +86,18 @@ void newcmd(tscript& s) {
   fieldcreate(f, W.defaultkind, size);
 }
 
+// A field of W's default kind made anew with the size and place of From's current field.
+template <auto& From, auto& W>
+void makecmd(tscript& s) {
+  if (!checkparams(s, 0)) return;
+  const auto& source = currentfield(From);
+  const tspatial space = source.space;
+  const tnatvector size = fieldsize(source);
+  auto& f = currentfield(W);
+  fieldcreate(f, W.defaultkind, size);
+  f.space = space;
+}
+
 // The storage kind of the fields that the workspace creates next; existing fields stay.
 template <auto& W, uint8_t kind>
 void defaultkindcmd(tscript& s) {

@@ -39,9 +39,10 @@ void drawpoint(timagefield& f, int64_t x, int64_t y, const trgba& c) {
   setrgb(f, x, y, out);
 }
 
-void drawtext(timagefield& f, int64_t x, int64_t y, const utf16& text, const trgba& c, tfontstyle style) {
+tpixels textpixels(int64_t x, int64_t y, const utf16& text, tfontstyle style) {
   const int64_t advance = style == tfontstyle::narrow ? 7 : 8;
   int64_t cursor = x;
+  tpixels out;
   for (int64_t i = 1; i <= length(text); ++i) {
     const uint32_t code = charat(text, i);
     const uint8_t* rows = glyphrows(code);
@@ -51,10 +52,15 @@ void drawtext(timagefield& f, int64_t x, int64_t y, const utf16& text, const trg
       uint32_t bits = rows[row];
       if (style == tfontstyle::bold) bits |= bits >> 1;  // each column doubled to the right
       for (int64_t col = 0; col < advance; ++col)
-        if (bits & (0x80u >> col)) drawpoint(f, left + col, y + row, c);
+        if (bits & (0x80u >> col)) out.push_back({left + col, y + row});
     }
     if (!combining(code)) cursor += advance;
   }
+  return out;
+}
+
+void drawtext(timagefield& f, int64_t x, int64_t y, const utf16& text, const trgba& c, tfontstyle style) {
+  for (const auto& p : textpixels(x, y, text, style)) drawpoint(f, p[0], p[1], c);
 }
 
 void drawline(timagefield& f, int64_t x0, int64_t y0, int64_t x1, int64_t y1, const trgba& c) {
@@ -86,10 +92,10 @@ void fillrectangle(timagefield& f, int64_t x0, int64_t y0, int64_t x1, int64_t y
     for (int64_t x = left; x <= right; ++x) drawpoint(f, x, y, c);
 }
 
-void drawcircle(timagefield& f, int64_t cx, int64_t cy, int64_t r, const trgba& c) {
-  // The midpoint circle in its eight octants; points met twice are drawn once, so that a
+tpixels circlepixels(int64_t cx, int64_t cy, int64_t r) {
+  // The midpoint circle in its eight octants; points met twice are kept once, so that a
   // blended outline has no darker dots.
-  std::vector<std::array<int64_t, 2>> outline;
+  tpixels outline;
   for (int64_t x = r, y = 0, error = 1 - r; x >= y;) {
     for (const auto& p : {std::array<int64_t, 2>{x, y}, {y, x}, {-y, x}, {-x, y}, {-x, -y}, {-y, -x}, {y, -x}, {x, -y}})
       outline.push_back({cx + p[0], cy + p[1]});
@@ -103,7 +109,11 @@ void drawcircle(timagefield& f, int64_t cx, int64_t cy, int64_t r, const trgba& 
   }
   std::sort(outline.begin(), outline.end());
   outline.erase(std::unique(outline.begin(), outline.end()), outline.end());
-  for (const auto& p : outline) drawpoint(f, p[0], p[1], c);
+  return outline;
+}
+
+void drawcircle(timagefield& f, int64_t cx, int64_t cy, int64_t r, const trgba& c) {
+  for (const auto& p : circlepixels(cx, cy, r)) drawpoint(f, p[0], p[1], c);
 }
 
 void drawpolygon(timagefield& f, const std::vector<std::array<int64_t, 2>>& points, const trgba& c) {

@@ -19,6 +19,11 @@ inline bool combining(uint32_t c) { return c >= 768 && c <= 800; }
 // Pixels the text advances: 8 a character (7 narrow), none for combining marks.
 int64_t textwidth(const utf16& text, tfontstyle style = tfontstyle::normal);
 
+using tpixels = std::vector<std::array<int64_t, 2>>;
+// The pixels a text or a circle outline covers, each once: for drawing in any value.
+tpixels textpixels(int64_t x, int64_t y, const utf16& text, tfontstyle style = tfontstyle::normal);
+tpixels circlepixels(int64_t cx, int64_t cy, int64_t r);
+
 void drawpoint(timagefield& f, int64_t x, int64_t y, const trgba& c);
 // Top-left at (x, y); the background stays.
 void drawtext(timagefield& f, int64_t x, int64_t y, const utf16& text, const trgba& c,

@@ -17,6 +17,7 @@ struct ttensorfield {
   tvectorvolume diagonal{}, offdiagonal{};
   tintvectorvolume intdiagonal{}, intoffdiagonal{};
   tspatial space{};
+  uint8_t copymethod = 1;  // how copies with a factor bin or interpolate
 };
 
 template <class F, class Op>

@@ -25,6 +25,7 @@ struct tvectorfield {
   tbytevectorvolume rgb{};
   tvector background{0, 0, 0};
   tspatial space{};
+  uint8_t copymethod = 1;  // how copies with a factor bin or interpolate
 };
 
 template <class F, class Op>

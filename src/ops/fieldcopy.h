@@ -3,6 +3,7 @@
 #pragma once
 #include <type_traits>
 
+#include "field/tensorfield.h"
 #include "field/vectorfield.h"
 #include "ops/voxelgrid.h"
 
@@ -35,6 +36,12 @@ inline void copysettings(timagefield& to, const timagefield& from) {
 inline void copysettings(tvectorfield& to, const tvectorfield& from) {
   to.space = from.space;
   to.background = from.background;
+  to.copymethod = from.copymethod;
+}
+
+inline void copysettings(ttensorfield& to, const ttensorfield& from) {
+  to.space = from.space;
+  to.copymethod = from.copymethod;
 }
 
 // op(target grid, source grid) for each array pair of two fields of one kind: a volume's
@@ -75,5 +82,19 @@ void eachgridpair(tvectorfield& target, const tvectorfield& source, Op op) {
     case vectorfloat: return op(gridof(target.real, 0), gridof(s.real, 0));
     case vectorinteger: return op(gridof(target.integer, 0), gridof(s.integer, 0));
     case vectorrgb: return op(gridof(target.rgb, 0), gridof(s.rgb, 0));
+  }
+}
+
+// A tensor field's two volumes in turn: the diagonal, then the off-diagonal entries.
+template <class Op>
+void eachgridpair(ttensorfield& target, const ttensorfield& source, Op op) {
+  auto& s = const_cast<ttensorfield&>(source);
+  switch (source.kind) {
+    case vectorfloat:
+      op(gridof(target.diagonal, 0), gridof(s.diagonal, 0));
+      return op(gridof(target.offdiagonal, 0), gridof(s.offdiagonal, 0));
+    case vectorinteger:
+      op(gridof(target.intdiagonal, 0), gridof(s.intdiagonal, 0));
+      return op(gridof(target.intoffdiagonal, 0), gridof(s.intoffdiagonal, 0));
   }
 }

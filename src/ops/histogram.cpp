@@ -34,6 +34,19 @@ std::vector<int64_t> fieldhistogram(const tscalarfield& f) {
   return counts;
 }
 
+std::vector<int64_t> fieldhistogram(const tvectorfield& f) {
+  std::vector<int64_t> counts;
+  eachstorage(f, [&](const auto& a) {
+    counts.assign(65536, 0);
+    const auto* p = a.items();
+    for (int64_t i = 0; i < a.length; ++i) {
+      const double x = p[i][0], y = p[i][1], z = p[i][2];
+      ++counts[std::clamp<int64_t>(roundnat(std::sqrt(x * x + y * y + z * z)), 0, 65535)];
+    }
+  });
+  return counts;
+}
+
 std::vector<int64_t> fieldhistogram(const timagefield& f) {
   std::vector<int64_t> counts;
   withkind(f, [&](auto v) {

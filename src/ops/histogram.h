@@ -7,12 +7,15 @@
 
 #include "field/imagefield.h"
 #include "field/scalarfield.h"
+#include "field/vectorfield.h"
 #include "script/utf16.h"
 
 // Entry v counts the voxels of value v: 256 entries for gray (and for the colour kinds,
 // which count their gray value), 65536 for fullgray; none for mono or a field without kind.
 std::vector<int64_t> fieldhistogram(const tscalarfield& f);
 std::vector<int64_t> fieldhistogram(const timagefield& f);
+// A vector field counts its rounded vector lengths in 65536 entries, the longest in the last.
+std::vector<int64_t> fieldhistogram(const tvectorfield& f);
 
 // The console chart of the counts: `height` lines of `width + 1` cells in eighth blocks on
 // a log10 scale, "0 " in front of the last line and the last value behind it.

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <map>
 #include <numbers>
+#include <type_traits>
 #include <vector>
 
 #include "field/array_numbers.h"
@@ -23,6 +24,15 @@ struct ttap {
 using ttaps = std::vector<std::vector<ttap>>;
 
 enum class tupmode { nearest, linear, lanczos };
+
+// A computed sample as stored: reals as they are, integer kinds rounded into 0..top.
+template <class T>
+T stored(double v, int64_t top) {
+  if constexpr (std::is_floating_point_v<T>)
+    return static_cast<T>(v);
+  else
+    return static_cast<T>(roundnat(std::clamp(v, 0.0, static_cast<double>(top))));
+}
 
 // The taps of each target index p along an axis of n source samples: the source position
 // q = (p - 1) / f + 1 (1-based), a real.
@@ -101,8 +111,7 @@ void upsample(const tgrid<T>& t, const tgrid<T>& s, const std::array<ttaps, 3>& 
       }
     }
     T* out = t.v + z * t.area();
-    const double top = static_cast<double>(t.top);
-    for (size_t i = 0; i < acc.size(); ++i) out[i] = static_cast<T>(roundnat(std::clamp(acc[i], 0.0, top)));
+    for (size_t i = 0; i < acc.size(); ++i) out[i] = stored<T>(acc[i], t.top);
     progress(word, static_cast<double>(z + 1) / static_cast<double>(t.nz));
   }
   progressend();
@@ -129,8 +138,9 @@ void bin(const tgrid<T>& t, const tgrid<T>& s, const tfactors& f, int method, bo
   if (!label && method > 7) return;
   const std::array<std::vector<tblock>, 3> axes{blocks(s.nx, t.nx, 1 / f[0]), blocks(s.ny, t.ny, 1 / f[1]),
                                                 blocks(s.nz, t.nz, 1 / f[2])};
-  std::vector<int64_t> list;
-  const auto store = [&](double v) { return static_cast<T>(roundnat(std::clamp(v, 0.0, static_cast<double>(t.top)))); };
+  using tsample = std::conditional_t<std::is_floating_point_v<T>, double, int64_t>;
+  std::vector<tsample> list;
+  const auto store = [&](double v) { return stored<T>(v, t.top); };
   progress("  Copy", 0);
   for (int64_t z = 0; z < t.nz; ++z) {
     const tblock bz = axes[2][z];
@@ -140,7 +150,8 @@ void bin(const tgrid<T>& t, const tgrid<T>& s, const tfactors& f, int method, bo
         const tblock bx = axes[0][x];
         T& out = t(x, y, z);
         if (!label && method <= 1) {  // the counter path
-          int64_t sum = 0, count = 0;
+          tsample sum = 0;
+          int64_t count = 0;
           for (int64_t k = bz.first; k <= bz.last; ++k)
             for (int64_t j = by.first; j <= by.last; ++j) {
               const T* row = s.v + (k * s.ny + j) * s.nx;
@@ -156,9 +167,11 @@ void bin(const tgrid<T>& t, const tgrid<T>& s, const tfactors& f, int method, bo
           for (int64_t j = by.first; j <= by.last; ++j)
             for (int64_t i = bx.first; i <= bx.last; ++i) list.push_back(s(i, j, k));
         if (list.empty()) continue;
-        if (label) {
-          out = static_cast<T>(mostfrequent(list.data(), static_cast<int64_t>(list.size())));
-          continue;
+        if constexpr (!std::is_floating_point_v<T>) {
+          if (label) {
+            out = static_cast<T>(mostfrequent(list.data(), static_cast<int64_t>(list.size())));
+            continue;
+          }
         }
         std::sort(list.begin(), list.end());
         const auto n = static_cast<int64_t>(list.size());
@@ -169,9 +182,9 @@ void bin(const tgrid<T>& t, const tgrid<T>& s, const tfactors& f, int method, bo
           case 2: {
             if (n < 2) break;
             double mean = 0, sq = 0;
-            for (const int64_t e : list) mean += static_cast<double>(e);
+            for (const tsample e : list) mean += static_cast<double>(e);
             mean /= static_cast<double>(n);
-            for (const int64_t e : list) sq += (static_cast<double>(e) - mean) * (static_cast<double>(e) - mean);
+            for (const tsample e : list) sq += (static_cast<double>(e) - mean) * (static_cast<double>(e) - mean);
             v = std::sqrt(sq / static_cast<double>(n - 1));
             break;
           }
@@ -212,9 +225,24 @@ void scalegrid(const tgrid<T>& t, const tgrid<T>& s, const tfactors& f, int meth
   upsample(t, from, taps, mode == tupmode::lanczos ? "  Copy (trilanczos)" : mode == tupmode::linear ? "  Copy (trilinear)" : "  Copy");
 }
 
+// Records of three components (vectors, tensor halves): each component scaled as a
+// volume of reals, then stored in the record's own type.
+template <class E>
+void scalecomponents(const tgrid<E>& t, const tgrid<E>& s, const tfactors& f, int method) {
+  using C = typename E::value_type;
+  std::vector<double> from(static_cast<size_t>(s.count())), to(static_cast<size_t>(t.count()));
+  for (int c = 0; c < 3; ++c) {
+    for (int64_t i = 0; i < s.count(); ++i) from[i] = static_cast<double>(s.v[i][c]);
+    const tgrid<double> source{from.data(), s.nx, s.ny, s.nz, static_cast<double>(s.background[c]), 0};
+    const tgrid<double> target{to.data(), t.nx, t.ny, t.nz, 0.0, 0};
+    scalegrid(target, source, f, method, false, true);
+    for (int64_t i = 0; i < t.count(); ++i) t.v[i][c] = toelement<C>(to[i]);
+  }
+}
+
 template <class F>
 void scaled(F& target, const F& source, const tfactors& factors, bool label) {
-  constexpr bool volume = std::is_same_v<F, tscalarfield>;
+  constexpr bool volume = F::axes == 3;
   const tnatvector size = fieldsize(source);
   tfactors f{1, 1, 1};
   tnatvector out{1, 1, 1};
@@ -230,7 +258,12 @@ void scaled(F& target, const F& source, const tfactors& factors, bool label) {
   if (out != size) println("  New size: " + dimensionstext(source) + " -> " + dimensionstext(target));
   if (volume && (f[0] != f[1] || f[1] != f[2])) println("  Create helper: " + dimensionstext(target));
   const int method = source.copymethod;
-  eachgridpair(target, source, [&](const auto& t, const auto& s) { scalegrid(t, s, f, method, label, volume); });
+  eachgridpair(target, source, [&](const auto& t, const auto& s) {
+    if constexpr (std::is_arithmetic_v<std::remove_cvref_t<decltype(*t.v)>>)
+      scalegrid(t, s, f, method, label, volume);
+    else
+      scalecomponents(t, s, f, method);
+  });
 }
 
 }  // namespace
@@ -250,6 +283,12 @@ double lanczos4(double d) {
 void scalefield(tscalarfield& target, const tscalarfield& source, const tfactors& factors, bool label) {
   scaled(target, source, factors, label);
 }
+void scalefield(tvectorfield& target, const tvectorfield& source, const tfactors& factors, bool) {
+  scaled(target, source, factors, false);
+}
+void scalefield(ttensorfield& target, const ttensorfield& source, const tfactors& factors, bool) {
+  scaled(target, source, factors, false);
+}
 void scalefield(timagefield& target, const timagefield& source, const tfactors& factors, bool label) {
   scaled(target, source, factors, label);
 }
@@ -263,3 +302,18 @@ void copyfield(tscalarfield& target, const tscalarfield& source) {
 }
 
 void copyfield(timagefield& target, const timagefield& source) { imagecopyfrom(target, source); }
+
+namespace {
+// Kind, size, values and settings of a field of the vector records.
+template <class F>
+void copyrecords(F& target, const F& source) {
+  fieldcreate(target, source.kind, fieldsize(source));
+  eachgridpair(target, source, [](const auto& t, const auto& s) {
+    if (t.count() == s.count()) std::copy_n(s.v, s.count(), t.v);
+  });
+  copysettings(target, source);
+}
+}  // namespace
+
+void copyfield(tvectorfield& target, const tvectorfield& source) { copyrecords(target, source); }
+void copyfield(ttensorfield& target, const ttensorfield& source) { copyrecords(target, source); }

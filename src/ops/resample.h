@@ -12,10 +12,14 @@
 
 #include "field/imagefield.h"
 #include "field/scalarfield.h"
+#include "field/tensorfield.h"
+#include "field/vectorfield.h"
 
 // An equal copy: kind, size, samples, labels, title, place in space and settings.
 void copyfield(tscalarfield& target, const tscalarfield& source);
 void copyfield(timagefield& target, const timagefield& source);
+void copyfield(tvectorfield& target, const tvectorfield& source);
+void copyfield(ttensorfield& target, const ttensorfield& source);
 
 // The size along an axis for a factor: size * f rounded, halves up.
 int64_t scaledsize(int64_t size, double f);
@@ -26,6 +30,9 @@ int64_t scaledsize(int64_t size, double f);
 // Prints the size change.
 void scalefield(tscalarfield& target, const tscalarfield& source, const std::array<double, 3>& factors, bool label);
 void scalefield(timagefield& target, const timagefield& source, const std::array<double, 3>& factors, bool label);
+// Vectors and tensors scale each component as a volume of reals; there are no labels.
+void scalefield(tvectorfield& target, const tvectorfield& source, const std::array<double, 3>& factors, bool label);
+void scalefield(ttensorfield& target, const ttensorfield& source, const std::array<double, 3>& factors, bool label);
 
 // The Lanczos weight of 4 lobes at distance d.
 double lanczos4(double d);

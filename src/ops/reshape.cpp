@@ -45,6 +45,13 @@ void subpart(F& target, const F& source, const tnatvector& lo, const tnatvector&
           dimensionstext(target));
 }
 
+tnatvector cornerlow(const tnatvector& a, const tnatvector& b) {
+  return {std::min(a[0], b[0]), std::min(a[1], b[1]), std::min(a[2], b[2])};
+}
+tnatvector cornerhigh(const tnatvector& a, const tnatvector& b) {
+  return {std::max(a[0], b[0]), std::max(a[1], b[1]), std::max(a[2], b[2])};
+}
+
 // The box of the samples for which `take(x, y, z)` holds (1-based); false without any.
 template <class Take>
 bool boxof(const tnatvector& size, tnatvector& lo, tnatvector& hi, Take take) {
@@ -89,6 +96,9 @@ void subfield(tscalarfield& target, const tscalarfield& source, const tnatvector
 void subfield(tvectorfield& target, const tvectorfield& source, const tnatvector& lo, const tnatvector& hi) {
   subpart(target, source, lo, hi, "  New substack:  (");
 }
+void subfield(ttensorfield& target, const ttensorfield& source, const tnatvector& lo, const tnatvector& hi) {
+  subpart(target, source, lo, hi, "  New substack:  (");
+}
 
 void cropimage(timagefield& f, int64_t v) {
   tnatvector lo, hi;
@@ -109,9 +119,26 @@ void cropfield(tscalarfield& target, const tscalarfield& source, const tscalarfi
   croppedto(target, source, lo, hi);
 }
 
+void cropfield(tvectorfield& target, const tvectorfield& source, const tmorphrange& range) {
+  tnatvector lo, hi;
+  const bool found = !fieldempty(source) && eachstorage(source, [&](const auto& a) {
+    const auto* p = a.items();
+    const tnatvector size = fieldsize(source);
+    boxof(size, lo, hi, [&](int64_t x, int64_t y, int64_t z) {
+      const auto& v = p[x - 1 + size[0] * (y - 1 + size[1] * (z - 1))];
+      const double l2 = double(v[0]) * double(v[0]) + double(v[1]) * double(v[1]) + double(v[2]) * double(v[2]);
+      return range.contains(roundnat(std::sqrt(l2)));
+    });
+  }) && hi[0] > 0;
+  if (!found) {
+    if (&target != &source) copyfield(target, source);
+    return;
+  }
+  croppedto(target, source, lo, hi);
+}
+
 void moveblock(tscalarfield& f, const tnatvector& a, const tnatvector& b, const tnatvector& d) {
-  const tnatvector lo{std::min(a[0], b[0]), std::min(a[1], b[1]), std::min(a[2], b[2])};
-  const tnatvector hi{std::max(a[0], b[0]), std::max(a[1], b[1]), std::max(a[2], b[2])};
+  const tnatvector lo = cornerlow(a, b), hi = cornerhigh(a, b);
   tlocalfield<tscalarfield> holder;
   tscalarfield& part = *holder;
   block(part, f, lo, hi);
@@ -126,6 +153,32 @@ void moveblock(tscalarfield& f, const tnatvector& a, const tnatvector& b, const 
         setvalue(f, lo[0] + x - 1 + d[0], lo[1] + y - 1 + d[1], lo[2] + z - 1 + d[2],
                  static_cast<double>(getvalue(part, x, y, z)));
 }
+
+namespace {
+// The grid form: the block is cleared with the array's background, then written shifted.
+template <class F>
+void movegridblock(F& f, const tnatvector& a, const tnatvector& b, const tnatvector& d) {
+  if (fieldempty(f)) return;
+  const tnatvector lo = cornerlow(a, b), hi = cornerhigh(a, b);
+  tlocalfield<F> part;
+  block(*part, f, lo, hi);
+  eachgridpair(f, *part, [&](const auto& g, const auto& p) {
+    for (int64_t z = lo[2] - 1; z < hi[2]; ++z)
+      for (int64_t y = lo[1] - 1; y < hi[1]; ++y)
+        for (int64_t x = lo[0] - 1; x < hi[0]; ++x)
+          if (g.inside(x, y, z)) g(x, y, z) = g.background;
+    for (int64_t z = 0; z < p.nz; ++z)
+      for (int64_t y = 0; y < p.ny; ++y)
+        for (int64_t x = 0; x < p.nx; ++x) {
+          const int64_t tx = lo[0] - 1 + x + d[0], ty = lo[1] - 1 + y + d[1], tz = lo[2] - 1 + z + d[2];
+          if (g.inside(tx, ty, tz)) g(tx, ty, tz) = p(x, y, z);
+        }
+  });
+}
+}  // namespace
+
+void moveblock(tvectorfield& f, const tnatvector& a, const tnatvector& b, const tnatvector& d) { movegridblock(f, a, b, d); }
+void moveblock(ttensorfield& f, const tnatvector& a, const tnatvector& b, const tnatvector& d) { movegridblock(f, a, b, d); }
 
 int64_t patchgaps(tscalarfield& f, int axis, int64_t n) {
   int64_t closed = 0;

@@ -10,6 +10,8 @@
 #include "field/imagefield.h"
 #include "field/owned.h"
 #include "base/filebuffer.h"
+#include "drawing/draw.h"
+#include "drawing/serieschart.h"
 #include "formats/imagefile.h"
 #include "orientation/scan.h"
 #include "orientation/scanwalk.h"
@@ -17,6 +19,9 @@
 #include "shell/console.h"
 
 namespace {
+
+const trgba lowcolour{30, 60, 160, 255};
+const trgba highcolour{200, 60, 40, 255};
 
 struct tdiagline {
   trawscanpoint raw;
@@ -48,17 +53,52 @@ int64_t rowcount(const std::vector<tdiagline>& lines, int64_t i) {
   return std::count_if(lines.begin(), lines.end(), [&](const tdiagline& l) { return l.raw.i == i; });
 }
 
-// A 16-bit image of side round(pi r) with each raw direction at row i + 1 and column
-// side / 2 - np / 2 + j + 1, the value from `level`; 0 for lines shorter than r.
+// The image position of a raw direction: row i + 1, column side / 2 - np / 2 + j + 1.
+std::array<int64_t, 2> mapposition(const std::vector<tdiagline>& lines, const tdiagline& l, int64_t side) {
+  return {side / 2 - rowcount(lines, l.raw.i) / 2 + l.raw.j + 1, l.raw.i + 1};
+}
+
+// A 16-bit image of side round(pi r) with each raw direction at its map position, the value
+// from `level`; 0 for lines shorter than r.
 template <class Level>
 void mapimage(timagefield& img, const std::vector<tdiagline>& lines, int64_t r, Level level, uint8_t kind = imagefullgray) {
   const int64_t side = roundnat(std::numbers::pi * static_cast<double>(r));
   fieldcreate(img, kind, {side, side, 1});
   for (const tdiagline& l : lines) {
-    const int64_t np = rowcount(lines, l.raw.i);
     const int64_t v = static_cast<int64_t>(l.values.size()) < r ? 0 : std::min<int64_t>(level(l.values), 65535);
-    setvalue(img, side / 2 - np / 2 + l.raw.j + 1, l.raw.i + 1, static_cast<double>(v));
+    const auto at = mapposition(lines, l, side);
+    setvalue(img, at[0], at[1], static_cast<double>(v));
   }
+}
+
+void plot(timagefield& img, const tpixels& pixels, int64_t value) {
+  const tnatvector n = fieldsize(img);
+  for (const auto& p : pixels)
+    if (p[0] >= 1 && p[1] >= 1 && p[0] <= n[0] && p[1] <= n[1]) setvalue(img, p[0], p[1], static_cast<double>(value));
+}
+
+// With more than two accepted lines (r values or more): the directions tied for the lowest
+// SD get a ring of radius 2 in the image's lowest value and one of radius 3 in its highest
+// when fewer than three tie, and the tie count is written at the top left.
+void marklowest(timagefield& img, const std::vector<tdiagline>& lines, int64_t r) {
+  std::vector<std::pair<double, const tdiagline*>> accepted;
+  for (const tdiagline& l : lines)
+    if (static_cast<int64_t>(l.values.size()) >= r) accepted.push_back({linestatistic(l.values, 2), &l});
+  if (accepted.size() <= 2) return;
+  const double lowest = std::min_element(accepted.begin(), accepted.end())->first;
+  const tnatvector n = fieldsize(img);
+  int64_t lo = std::numeric_limits<int64_t>::max(), hi = std::numeric_limits<int64_t>::min();
+  for (int64_t y = 1; y <= n[1]; ++y)
+    for (int64_t x = 1; x <= n[0]; ++x) lo = std::min(lo, getvalue(img, x, y)), hi = std::max(hi, getvalue(img, x, y));
+  const auto ties = std::count_if(accepted.begin(), accepted.end(), [&](const auto& a) { return a.first == lowest; });
+  if (ties < 3)
+    for (const auto& [sd, l] : accepted) {
+      if (sd != lowest) continue;
+      const auto at = mapposition(lines, *l, n[0]);
+      plot(img, circlepixels(at[0], at[1], 2), lo);
+      plot(img, circlepixels(at[0], at[1], 3), hi);
+    }
+  plot(img, textpixels(1, 1, nattext(ties)), hi);
 }
 
 int64_t twosd(const std::vector<int64_t>& v) { return roundnat(2 * linestatistic(v, 2)); }
@@ -129,7 +169,11 @@ bool diffusionmap(const tscalarfield& f, int64_t r, const tnatvector& p, const u
   tlocalfield<timagefield> image, lowdepth;
   timagefield &img = *image, &low = *lowdepth;
   mapimage(img, lines, r, twosd);
-  mapimage(low, lines, r, [](const std::vector<int64_t>& v) { return std::min<int64_t>(twosd(v), 255); }, imagegray);
+  marklowest(img, lines, r);
+  const tnatvector n = fieldsize(img);
+  fieldcreate(low, imagegray, n);
+  for (int64_t y = 1; y <= n[1]; ++y)
+    for (int64_t x = 1; x <= n[0]; ++x) setvalue(low, x, y, static_cast<double>(std::min<int64_t>(getvalue(img, x, y), 255)));
   return imagesave(img, name) && imagesave(low, withsuffix(name, "-low."));
 }
 
@@ -148,36 +192,36 @@ bool diffusioncolormap(const tscalarfield& f, int64_t r, const tnatvector& p, co
          imagesave(colour, name);
 }
 
-void diffusionhistogram(const tscalarfield& f, const tnatvector& p) {
+bool diffusionhistogram(const tscalarfield& f, const tnatvector& p, const utf16& name) {
   const tnatvector n = fieldsize(f);
   const int64_t top = roundnat(static_cast<double>(std::min({n[0], n[1], n[2]})) * 0.5);
   std::vector<int64_t> values;
-  std::vector<utf16> lines;
+  tseries maxima;
   for (int64_t s = top; s >= 1; --s) {
     std::vector<double> sds;
     for (const tscanpoint& d : scandirections(s).points) {
       scanline(f, {p[0] + d[0], p[1] + d[1], p[2] + d[2]}, {p[0] - d[0], p[1] - d[1], p[2] - d[2]}, values);
       if (static_cast<int64_t>(values.size()) >= s) sds.push_back(linestatistic(values, 2));
     }
-    int64_t maxima = 0;
-    if (sds.size() >= 3) {
-      const double low = *std::min_element(sds.begin(), sds.end());
-      maxima = std::count(sds.begin(), sds.end(), low);
-    }
-    lines.push_back("  scansize " + nattext(s) + ": " + nattext(maxima) + " maximas");
+    int64_t ties = 0;
+    if (sds.size() >= 3) ties = std::count(sds.begin(), sds.end(), *std::min_element(sds.begin(), sds.end()));
+    maxima.points.push_back({static_cast<double>(s), static_cast<double>(ties)});
     progress("  Calculate histogram", static_cast<double>(top - s + 1) / static_cast<double>(top));
   }
   progressend();
-  for (const utf16& line : lines) println(line);
+  std::reverse(maxima.points.begin(), maxima.points.end());
+  return chartsave(serieschart({maxima}, "number of maximas", "scansize"), name);
 }
 
-void diffusionsd(const tscalarfield& f, const tnatvector& p) {
+bool diffusionsd(const tscalarfield& f, const tnatvector& p, const utf16& name) {
   const tnatvector n = fieldsize(f);
   const int64_t top = roundnat(static_cast<double>(std::min({n[0], n[1], n[2]})) * 0.5);
-  if (top < 1) return;
   std::vector<std::vector<int64_t>> lines;
   for (const tscanpoint& d : scandirections(top).points)
     lines.push_back(wholeline(f, {p[0] + d[0], p[1] + d[1], p[2] + d[2]}, {p[0] - d[0], p[1] - d[1], p[2] - d[2]}));
+  // Per statistic (mean, SD): the lowest and the highest curve.
+  std::array<tseries, 2> lows, highs;
+  for (int k = 0; k < 2; ++k) lows[k].colour = lowcolour, highs[k].colour = highcolour;
   constexpr double none = std::numeric_limits<double>::infinity();
   for (int64_t w = 1; w <= top; ++w) {
     double lo[2] = {none, none}, hi[2] = {-none, -none};
@@ -200,8 +244,10 @@ void diffusionsd(const tscalarfield& f, const tnatvector& p) {
     for (int k = 0; k < 2; ++k) {
       if (lo[k] == none || lo[k] > hi[k]) lo[k] = 0;
       if (hi[k] < 0) hi[k] = 0;
+      lows[k].points.push_back({static_cast<double>(w), lo[k]});
+      highs[k].points.push_back({static_cast<double>(w), hi[k]});
     }
-    println("  scansize " + nattext(w) + ": mean " + realtext(lo[0]) + " .. " + realtext(hi[0]) + ", SD " +
-            realtext(lo[1]) + " .. " + realtext(hi[1]));
   }
+  return chartsave(serieschart({lows[0], highs[0]}, "minimal & maximal Mean", "scansize"), withsuffix(name, "-mean.")) &&
+         chartsave(serieschart({lows[1], highs[1]}, "minimal & maximal SD", "scansize"), withsuffix(name, "-sd."));
 }

@@ -1,5 +1,7 @@
 #include "orientation/tensoredit.h"
 
+#include <algorithm>
+
 #include <utility>
 
 #include "orientation/tensorvoxel.h"
@@ -35,4 +37,13 @@ void tensorflip(ttensorfield& t, int axis) {
           std::swap(offdiagonal.items()[i], offdiagonal.items()[j]);
         }
   });
+}
+
+bool plaintensors(const ttensorfield& t) {
+  bool plain = true;
+  eachstorage(t, [&](const auto& a) {
+    const auto* p = a.items();
+    plain = plain && std::all_of(p, p + a.length, [&](const auto& e) { return e == p[0]; });
+  });
+  return plain;
 }

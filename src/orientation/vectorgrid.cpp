@@ -5,18 +5,6 @@
 #include "orientation/vectoraccess.h"
 #include "shell/console.h"
 
-void copyvectors(const tvectorfield& from, tvectorfield& to) {
-  fieldcreate(to, from.kind, fieldsize(from));
-  eachstorage(from, [&](const auto& a) {
-    eachstorage(to, [&](auto& b) {
-      if constexpr (std::is_same_v<std::remove_cvref_t<decltype(a)>, std::remove_cvref_t<decltype(b)>>)
-        if (b.length == a.length) std::copy_n(a.items(), a.length, b.items());
-    });
-  });
-  to.background = from.background;
-  to.space = from.space;
-}
-
 void readvectorrow(const tvectorfield& f, int64_t y, int64_t z, int64_t width, tvector* out) {
   std::fill_n(out, width, tvector{0, 0, 0});
   eachstorage(f, [&](const auto& a) {

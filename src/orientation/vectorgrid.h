@@ -9,8 +9,6 @@
 
 #include "field/vectorfield.h"
 
-// `to` becomes equal to `from`: kind, vectors, background and place in space.
-void copyvectors(const tvectorfield& from, tvectorfield& to);
 
 // Row (y, z) of f from x = 1, `width` vectors; outside the field the zero vector.
 void readvectorrow(const tvectorfield& f, int64_t y, int64_t z, int64_t width, tvector* out);

@@ -8,7 +8,8 @@ check_eq "$rc" 1 "exit code of -h WORD"
 check_eq "$(head -n "$(wc -l <<<"$plain")" <<<"$out" | grep -v '^  : ')" "$(grep -v '^  : ' <<<"$plain")" "the usual help comes first, unchanged"
 check_eq "$(sed -n '/^Commands with "histogram.raw":$/,$p' <<<"$out")" 'Commands with "histogram.raw":
 image.histogram.raw "histogram.txt" // write value count
-scalar.histogram.raw "histogram.txt" // write value count' "the matching commands"
+scalar.histogram.raw "histogram.txt" // write value count
+vector.histogram.raw "histogram.txt" // write value count' "the matching commands"
 check_not_contains "$plain" "Commands with" "plain -h lists no commands"
 [ -e voxmill.macro ] && fail "help wrote a macro"
 
