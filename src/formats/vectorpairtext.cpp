@@ -36,7 +36,7 @@ void spanpositions(tvectorfield& f, uint8_t kind, const std::vector<tpair>& pair
     for (int a = 0; a < 3; ++a) low[a] = std::min(low[a], p.position[a]), high[a] = std::max(high[a], p.position[a]);
   tnatvector size{0, 0, 0};
   if (!pairs.empty())
-    for (int a = 0; a < 3; ++a) size[a] = roundnat(high[a] - low[a]) + 1;
+    for (int a = 0; a < 3; ++a) size[a] = roundnat(high[a] - low[a] + 1);  // in reals: a far position saturates
   fieldcreate(f, kind, size);
   setoffset(f.space, low);
 }
