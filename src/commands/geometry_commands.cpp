@@ -18,7 +18,7 @@ const tcommand linerows[] = {
 }  // namespace
 
 tcommandfamily meshcommands() {
-  static const std::vector<tcommand> rows = prefixed("mesh.", {workspacerows<meshworkspace>(), meshrows, meshbuildrows(), meshfilerows()});
+  static const std::vector<tcommand> rows = prefixed("mesh.", {workspacerows<meshworkspace>(), meshrows, meshbuildrows(), meshfilerows(), meshrenderrows(), meshsamplerows()});
   return {"mesh.", rows};
 }
 

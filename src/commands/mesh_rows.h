@@ -6,3 +6,5 @@
 
 std::span<const tcommand> meshbuildrows();  // mesh_commands.cpp
 std::span<const tcommand> meshfilerows();   // mesh_file_commands.cpp
+std::span<const tcommand> meshrenderrows();  // mesh_render_commands.cpp
+std::span<const tcommand> meshsamplerows();  // mesh_sample_commands.cpp

@@ -278,11 +278,13 @@ bool readcolour(timagefield& f, tpnmtokens& t, tpnmheader& head, int64_t size) {
   return true;
 }
 
-// Binary gray of 8 bits into gray goes from the file straight into the plane, with no
-// whole-file buffer between: one copy instead of two. false: the file is not of this kind
-// (or its header reaches beyond the first block), and the general path reads it.
-bool directgray(timagefield& f, const utf16& name, bool& ok) {
-  if (f.kind != imagegray || gzipextension(name) || !fileexists(name)) return false;
+// Binary 8-bit gray (P5) into gray and colour (P6) into the colour kinds go from the file
+// straight into the planes, with no whole-file buffer between. false: the file is not of this
+// kind (or its header reaches beyond the first block), and the general path reads it.
+bool directbinary(timagefield& f, const utf16& name, bool& ok) {
+  const bool gray = f.kind == imagegray;
+  if (!(gray || f.kind == imagergb || f.kind == imagergba || f.kind == imagezrgb) || gzipextension(name) || !fileexists(name))
+    return false;
   tfile file;
   if (!readfile(file, name, true)) return false;
   uint8_t first[4096];
@@ -291,44 +293,47 @@ bool directgray(timagefield& f, const utf16& name, bool& ok) {
   tpnmtokens t{{first, static_cast<int64_t>(got), 0}};
   tpnmheader head;
   readmagic(t, head);
-  if (head.magic != 5 || head.magictext != "P5" || !readheader(t, head) || t.r.at >= static_cast<int64_t>(got) ||
+  if (head.magictext != (gray ? "P5" : "P6") || !readheader(t, head) || t.r.at >= static_cast<int64_t>(got) ||
       head.maxval < 1 || head.maxval > 255 || head.w < 1 || head.h < 1) {
     closefile(file);
     return false;
   }
-  const int64_t size = filesize(name), pixels = fieldcount(head.w, head.h);
-  if (pixels > size - t.r.at) {
+  const int depth = gray ? 1 : 3;
+  const int64_t size = filesize(name);
+  if (fieldcount(head.w, head.h, depth) > size - t.r.at || !readsize(f, head.w, head.h)) {
     closefile(file);
-    ok = truncated(f, size);
+    ok = fieldcount(head.w, head.h, depth) > size - t.r.at ? truncated(f, size) : false;
     return true;
   }
-  if (!readsize(f, head.w, head.h)) {
-    closefile(file);
-    ok = false;
+  timageprogress p = progressbegin(gray ? "  Grey with (" : "  RGB with (", head.w, head.h);
+  // The rest of the first block, then the file; single reads stay below the 32-bit limit
+  // of the file layer.
+  int64_t held = static_cast<int64_t>(got) - t.r.at;
+  auto take = [&](uint8_t* to, int64_t n) {
+    const int64_t early = std::min(n, held);
+    std::memcpy(to, first + t.r.at, static_cast<size_t>(early));
+    t.r.at += early, held -= early;
+    for (int64_t done = early; done < n;) {
+      size_t r = 0;
+      readblock(file, to + done, static_cast<size_t>(std::min<int64_t>(8388608, n - done)), &r);
+      if (r == 0) return false;
+      done += static_cast<int64_t>(r);
+    }
     return true;
-  }
-  timageprogress p = progressbegin("  Grey with (", head.w, head.h);
-  uint8_t* plane = f.channels[0].data;
-  int64_t done = std::min<int64_t>(pixels, static_cast<int64_t>(got) - t.r.at);
-  std::memcpy(plane, first + t.r.at, static_cast<size_t>(done));
-  // Single reads stay below the 32-bit limit of the file layer.
-  constexpr int64_t step = 8388608;
-  while (done < pixels) {
-    size_t n = 0;
-    readblock(file, plane + done, static_cast<size_t>(std::min(step, pixels - done)), &n);
-    if (n == 0) break;
-    done += static_cast<int64_t>(n);
-  }
+  };
+  std::vector<uint8_t> row(static_cast<size_t>(gray ? 0 : head.w * depth));
+  const bool whole = gray ? take(f.channels[0].data, head.w * head.h)
+                          : imagefillrows(f, depth, row.data(), [&](int64_t, uint8_t* out) { return take(out, head.w * depth); });
   closefile(file);
   progressdone(p);
-  ok = done == pixels ? readdone(f, name) : truncated(f, size);
+  ok = whole ? readdone(f, name) : truncated(f, size);
   return true;
 }
 
 }  // namespace
 
 bool pnmread(timagefield& f, const utf16& name) {
-  if (bool ok; directgray(f, name, ok)) return ok;
+  if (bool ok; directbinary(f, name, ok)) return ok;
   tfilebuffer b;
   if (!imagefileread(name, b)) {
     bufferrelease(b);

@@ -3,7 +3,8 @@
 #include <cmath>
 #include <string>
 
-#include "library/random.h"
+#include "field/arrays.h"
+#include "field/owned.h"
 #include "script/echo.h"
 #include "script/frame.h"
 #include "script/registry.h"
@@ -25,6 +26,12 @@ int64_t saturateddifference(int64_t a, int64_t b) {
   int64_t d;
   if (__builtin_sub_overflow(a, b, &d)) return a > b ? largestcount : -largestcount;
   return d < -largestcount ? -largestcount : d;
+}
+
+// q * p of two counts not below 0, held at the largest count.
+int64_t saturatedproduct(int64_t q, int64_t p) {
+  int64_t r;
+  return __builtin_mul_overflow(q, p, &r) ? largestcount : r;
 }
 
 // A loop on the last line has no body, and its passes read no line: the loop could not end.
@@ -147,46 +154,63 @@ void forpartloop(tscript& s, tframe& f) {
   }
   const int64_t n = truncated(s.params[0]), p = truncated(s.params[1]), m = truncated(s.params[2]);
   if (n < 1 || p < 1 || m < 1) return;  // the block's lines are then read as plain lines
+  // A part number far beyond m gives bounds beyond the 64-bit range: they are held at the
+  // largest count.
   const int64_t q = n / m;
-  const int64_t first = p == 1 ? 1 : q * (p - 1) + 1;
-  const int64_t last = p == 1 ? q : (p == m ? n : q * p);
+  const int64_t first = p == 1 ? 1 : saturateddifference(saturatedproduct(q, p - 1), -1);
+  const int64_t last = p == 1 ? q : (p == m ? n : saturatedproduct(q, p));
   echotext(s, "for.part", nattext(first) + ".." + nattext(last));
   s.params = {nattext(first), nattext(last)};
   countingloop(s, partnames, "for.part", [](int64_t, int64_t) { return true; });
 }
 
+// The running values of for.random in ascending order: first, first + step, ... for count
+// values. Counts are held at the largest count, which no list can hold.
+struct trandomvalues {
+  double first = 0, step = 1;
+  int64_t count = 0;
+};
+trandomvalues randomvalues(const tscript& s) {
+  if (paramcount(s) == 1) return {1, 1, std::llabs(truncated(s.params[0]))};
+  if (paramcount(s) == 2) {
+    const int64_t a = truncated(s.params[0]), b = truncated(s.params[1]);
+    const int64_t span = a <= b ? saturateddifference(b, a) : saturateddifference(a, b);
+    return {static_cast<double>(std::min(a, b)), 1, saturateddifference(span, -1)};
+  }
+  double a = textreal(s.params[0]), b = textreal(s.params[2]);
+  const double step = std::fabs(textreal(s.params[1]));
+  if (a > b) std::swap(a, b);
+  const double steps = std::floor((b - a) / step + 1e-9);
+  if (!(step > 0) || !(steps >= 0)) return {a, step, 0};  // no step, or a value that is no number
+  return {a, step, steps < 9e18 ? static_cast<int64_t>(steps) + 1 : largestcount};
+}
+
 void forrandomloop(tscript& s, tframe& f) {
   splitparams(s, f.rest);
   if (s.halted) return;
-  const int64_t count = paramcount(s);
-  std::vector<double> values;
-  if (count == 1) {
-    const int64_t n = std::llabs(truncated(s.params[0]));
-    for (int64_t i = 1; i <= n; ++i) values.push_back(static_cast<double>(i));
-  } else if (count == 2) {
-    int64_t a = truncated(s.params[0]), b = truncated(s.params[1]);
-    if (a > b) std::swap(a, b);
-    for (int64_t i = a; i <= b; ++i) values.push_back(static_cast<double>(i));
-  } else if (count == 3) {
-    double a = textreal(s.params[0]), b = textreal(s.params[2]);
-    const double step = std::fabs(textreal(s.params[1]));
-    if (a > b) std::swap(a, b);
-    if (step > 0)
-      for (double v = a; v <= b + step * 1e-9; v += step) values.push_back(v);
-  } else {
+  const int64_t form = paramcount(s);
+  if (form < 1 || form > 3) {
     reportmin(s, 1);
     return;
   }
-  echotext(s, "for.random", nattext(static_cast<int64_t>(values.size())));
-  randomshuffle(values);
-  const int64_t start = s.line, n = static_cast<int64_t>(values.size());
-  const double a = count == 2 ? std::min(textreal(s.params[0]), textreal(s.params[1])) : 0;
+  // The whole list is asked for at once: a count beyond the memory ends in the allocator's
+  // message and an empty list, before a single value is written.
+  const trandomvalues r = randomvalues(s);
+  tlocalarray<treallist> values;
+  if (r.count > 0) values->create(r.count);
+  const int64_t n = values->length;
+  for (int64_t i = 1; i <= n; ++i)
+    values->put(i, form == 3 ? r.first + static_cast<double>(i - 1) * r.step : r.first + static_cast<double>(i - 1));
+  echotext(s, "for.random", nattext(n));
+  values->shuffle();
+  const int64_t start = s.line;
+  const double a = form == 2 ? std::min(textreal(s.params[0]), textreal(s.params[1])) : 0;
   int64_t end = start;
   for (int64_t i = 1; i <= n && !s.halted; ++i) {
-    const double v = values[static_cast<size_t>(i - 1)];
-    const utf16 relative = count == 1 ? realtext(static_cast<double>(i) / static_cast<double>(n))
-                                      : realtext(1.0 / static_cast<double>(n) + (static_cast<double>(i) - a));
-    end = runpass(s, start, fornames, {nattext(n), nattext(n - i), count == 3 ? realtext(v) : nattext(roundnat(v)), relative});
+    const double v = values->get(i);
+    const utf16 relative = form == 1 ? realtext(static_cast<double>(i) / static_cast<double>(n))
+                                     : realtext(1.0 / static_cast<double>(n) + (static_cast<double>(i) - a));
+    end = runpass(s, start, fornames, {nattext(n), nattext(n - i), form == 3 ? realtext(v) : nattext(roundnat(v)), relative});
   }
   if (n > 0) s.line = end;
   else passover(s, "for");

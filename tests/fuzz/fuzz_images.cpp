@@ -1,6 +1,6 @@
 // Feeds arbitrary bytes as a raster file through the own readers or through image.load with
 // FreeImage and ImageMagick enabled (where installed). The first byte picks the reader (PNM,
-// BMP, own RGB, IMGF, raw, then the load by extension: PNG, TIFF, TGA, GIF, JPEG) and the
+// BMP, own RGB, IMGF, raw, then the load by extension: PNG, TIFF, TGA, GIF, JPEG, PPM) and the
 // kind of the field it reads into; the rest is the file. A reader must end with a field that
 // is either empty or whole.
 #include <unistd.h>
@@ -25,8 +25,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   setfieldmemorylimit(int64_t{1} << 30);
   static const uint8_t kinds[] = {imagegray, imagefullgray, imagergb, imagergba, imagezrgb};
   const uint8_t kind = kinds[(data[0] >> 4) % 5];
-  const int reader = data[0] % 10;
-  static const char* const endings[] = {".pnm", ".bmp", ".rgb", ".imgf", ".raw", ".png", ".tif", ".tga", ".gif", ".jpg"};
+  const int reader = data[0] % 11;
+  static const char* const endings[] = {".pnm", ".bmp", ".rgb", ".imgf", ".raw", ".png", ".tif", ".tga", ".gif", ".jpg", ".ppm"};
   imagelibrariesopen();
   const std::string name = "/tmp/voxmill-fuzz-" + std::to_string(getpid()) + endings[reader];
   if (FILE* f = std::fopen(name.c_str(), "wb")) {

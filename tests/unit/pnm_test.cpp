@@ -90,6 +90,19 @@ TEST(PnmRead, ColourKindsTakeTheMagicAsText) {
   EXPECT_EQ(deep.last(), "  Bad value Depth (1000) max = 255.");
 }
 
+TEST(PnmRead, BinaryColourRowsReachBeyondTheFirstBlock) {
+  // Rows of 2100 bytes: the second ends behind the first 4096 bytes of the file.
+  std::string samples(700 * 3 * 3, '\0');
+  for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<char>(i % 251);
+  const std::string head = "P6\n700 3\n255\n";
+  Read whole(imagezrgb, head + samples);
+  const int64_t last = static_cast<int64_t>(samples.size()) - 3;
+  EXPECT_EQ(getzrgb(whole.f, 700, 3), (trgba{65535, last % 251, (last + 1) % 251, (last + 2) % 251}));
+  Read cut(imagergb, head + samples.substr(0, 5000));
+  EXPECT_EQ(cut.last(), "Wrong file size (" + std::to_string(head.size() + 5000) + ").");
+  EXPECT_TRUE(fieldempty(cut.f.f));
+}
+
 TEST(PnmWrite, BitmapRowsAndTheirLengthFormula) {
   // A bit is set where the gray is below 128; rows are padded to bytes.
   Field c(imagergb, 10, 2);

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Writes the starting inputs of fuzz target $1 into directory $2: small valid files of what
+# it reads, and the damaged files of tests/data/hostile. A target without seeds starts empty.
+set -euo pipefail
+root="$(cd "$(dirname "$0")/../.." && pwd)"
+out=$2
+case "$1" in
+  fuzz_macro)
+    for m in $(find "$root/tests/macro" -name '*.macro' -size -3k); do
+      cp "$m" "$out/$(basename "$(dirname "$m")")_$(basename "$m")"
+    done ;;
+  fuzz_images)
+    /usr/bin/python3 "$root/tests/fuzz/image_seeds.py" "$root/tests/data/hostile" "$out" ;;
+  fuzz_nifti)
+    /usr/bin/python3 - "$out" <<'PY'
+import sys, nibabel, numpy
+for kind in ("int16", "uint8", "float32"):
+    image = nibabel.Nifti1Image(numpy.arange(24, dtype=kind).reshape(2, 3, 4), numpy.eye(4))
+    nibabel.save(image, f"{sys.argv[1]}/seed_{kind}.nii")
+PY
+    ;;
+  fuzz_meshes)
+    printf 'v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n' >"$out/seed.obj"
+    printf 'ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\nelement face 1\nproperty list uchar int vertex_indices\nend_header\n0 0 0\n1 0 0\n0 1 0\n3 0 1 2\n' >"$out/seed.ply"
+    printf 'solid s\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\nendloop\nendfacet\nendsolid s\n' >"$out/seed.stl" ;;
+esac
