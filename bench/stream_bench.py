@@ -1,7 +1,9 @@
-"""Streamlines per second and points per second of voxmill and dipy on the same field and
-seeds, and the TrackVis save of voxmill and nibabel; see stream_bench.sh."""
+"""Streamlines per second and points per second of voxmill, dipy and tckgen FACT on the same
+field and seeds, and the TrackVis save of voxmill and nibabel; see stream_bench.sh."""
 import os
 import re
+import resource
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -27,6 +29,12 @@ def field(folder):
     v = np.take_along_axis(axes, near[None, ..., None], 0)[0] * inside[..., None]
     nib.save(nib.Nifti1Image(v[..., None, :].astype(np.float32), np.eye(4)), os.path.join(folder, "field.nii"))
     nib.save(nib.Nifti1Image(inside.astype(np.uint8), np.eye(4)), os.path.join(folder, "mask.nii"))
+    # tckgen FACT reads 3 volumes per fibre: the same vectors as one peak per voxel
+    nib.save(nib.Nifti1Image(v.astype(np.float32), np.eye(4)), os.path.join(folder, "peaks.nii"))
+    # our voxel loop never seeds the last layer of an axis: the grid seeds of tckgen leave it out too
+    grid = inside.copy()
+    grid[-1, :, :] = grid[:, -1, :] = grid[:, :, -1] = False
+    nib.save(nib.Nifti1Image(grid.astype(np.uint8), np.eye(4)), os.path.join(folder, "seeds.nii"))
     return v, inside
 
 
@@ -44,8 +52,7 @@ SETUP = "debug.no\nvector.load \"field.nii\"\nscalar.use \"mask\"\nscalar.load \
 def voxmill(binary, folder, command):
     lines, points = counts(binary, folder, command)
     setup = SETUP.strip().split("\n")[1:]
-    seconds = benchlib.voxmill_once(binary, folder, setup, command + "\nline.clear")
-    return lines, points, seconds
+    return lines, points, benchlib.extra(binary, folder, setup, [command])[1]
 
 
 def dipy(v, inside, seeds):
@@ -63,16 +70,38 @@ def dipy(v, inside, seeds):
     pam.peak_indices = idx
     pam.ang_thr, pam.qa_thr, pam.total_weight = 90.0, 0.0, 0.5
     crit = ThresholdStoppingCriterion(inside.astype(float), 0.5)
-    start = time.perf_counter()
+    start = time.process_time()
     sl = Streamlines(LocalTracking(pam, crit, seeds, np.eye(4), step_size=1.0))
-    seconds = time.perf_counter() - start
+    seconds = time.process_time() - start
     return len(sl), sum(len(s) for s in sl), seconds, sl
 
 
-def row(label, ours, peer):
+def tckgen(folder, seeding):
+    """Lines, points and CPU seconds of tckgen FACT on one thread: step 1 voxel, the stop angle
+    of ours (90 degrees), a cutoff between the zero vectors outside and the unit ones inside,
+    no length limits; the time of a one-seed run (start, image preload) is taken out."""
+    def run(seeds):
+        subprocess.run(["tckgen", "peaks.nii", "out.tck", "-algorithm", "FACT", "-step", "1", "-angle", "90",
+                        "-cutoff", "0.5", "-minlength", "0", "-maxlength", "1000", "-select", "0",
+                        "-nthreads", "1", "-quiet", "-force"] + seeds, cwd=folder, check=True)
+    def cpu(seeds):
+        times = []
+        for _ in range(benchlib.REPEAT):
+            before = resource.getrusage(resource.RUSAGE_CHILDREN)
+            run(seeds)
+            after = resource.getrusage(resource.RUSAGE_CHILDREN)
+            times.append(after.ru_utime - before.ru_utime + after.ru_stime - before.ru_stime)
+        return min(times)
+    seconds = cpu(seeding) - cpu(["-seed_image", "mask.nii", "-seeds", "1"])
+    run(seeding)
+    tck = nib.streamlines.load(os.path.join(folder, "out.tck"))
+    return len(tck.streamlines), sum(len(s) for s in tck.streamlines), max(seconds, 1e-9)
+
+
+def row(label, ours, peer, name):
     (n, p, s), (pn, pp, ps) = ours, peer
-    print("%-22s voxmill %9.0f lines/s %11.0f points/s | dipy %8.0f lines/s %10.0f points/s | points/s ratio %.1fx"
-          % (label, n / s, p / s, pn / ps, pp / ps, (p / s) / (pp / ps)))
+    print("%-22s voxmill %9.0f lines/s %11.0f points/s | %-6s %8.0f lines/s %10.0f points/s | points/s ratio %.1fx"
+          % (label, n / s, p / s, name, pn / ps, pp / ps, (p / s) / (pp / ps)))
 
 
 def main():
@@ -80,16 +109,24 @@ def main():
     folder = tempfile.mkdtemp(prefix="stream-bench-")
     v, inside = field(folder)
     rng = np.random.default_rng(3)
-    print("field %d^3, %d tube voxels; voxmill 1 thread (the tracer is single-threaded), dipy %s seeds"
-          % (N, inside.sum(), DIPY_SEEDS))
+    peer_fact = shutil.which("tckgen") is not None
+    print("field %d^3, %d tube voxels; voxmill 1 thread (the tracer is single-threaded), dipy %s seeds, %s"
+          % (N, inside.sum(), DIPY_SEEDS, "tckgen FACT 1 thread (nearest vector, no interpolation)" if peer_fact
+             else "no tckgen (Debian mrtrix3): its rows are skipped"))
+    print("tracing rates per CPU second (user + system, start and loads taken out), which a shared machine disturbs less than wall time")
     ours = voxmill(binary, folder, "vector.stream.random %d" % RANDOM)
     # random seeds over the box, rounded to voxels as ours are
     seeds = np.round(rng.uniform(0, N - 1, (DIPY_SEEDS * 4, 3)))
-    row("stream.random %d" % RANDOM, ours, dipy(v, inside, seeds)[:3])
+    row("stream.random %d" % RANDOM, ours, dipy(v, inside, seeds)[:3], "dipy")
+    # tckgen draws its random seeds within the tubes: as many as our random seeds that found a line
+    if peer_fact:
+        row("stream.random %d" % RANDOM, ours, tckgen(folder, ["-seed_image", "mask.nii", "-seeds", str(ours[0])]), "tckgen")
     ours = voxmill(binary, folder, "vector.stream.mask \"mask\" 1")
     voxels = np.argwhere(inside[:-1, :-1, :-1]).astype(float)
     peer = dipy(v, inside, voxels[rng.choice(len(voxels), DIPY_SEEDS, replace=False)])
-    row("stream.mask", ours, peer[:3])
+    row("stream.mask", ours, peer[:3], "dipy")
+    if peer_fact:
+        row("stream.mask", ours, tckgen(folder, ["-seed_grid_per_voxel", "seeds.nii", "1"]), "tckgen")
     # the TrackVis save of the mask lines: ours against nibabel's of the same lines
     save = "line.save \"bench.trk\""
     seconds = benchlib.voxmill_once(binary, folder, SETUP.strip().split("\n")[1:] + ["vector.stream.mask \"mask\" 1"], save)

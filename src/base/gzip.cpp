@@ -1,7 +1,11 @@
 #include "base/gzip.h"
 
 #include <zlib.h>
+#ifdef VOXMILL_LIBDEFLATE
+#include <libdeflate.h>
+#endif
 
+#include <algorithm>
 #include <limits>
 
 bool gunzip(std::string_view in, std::string& out) {
@@ -53,4 +57,38 @@ bool gzipcompress(std::string_view in, std::string& out, int level) {
   out.resize(z.total_out);
   deflateEnd(&z);
   return status == Z_STREAM_END;
+}
+
+int64_t zlibinflate(const uint8_t* in, int64_t n, uint8_t* out, int64_t room) {
+#ifdef VOXMILL_LIBDEFLATE
+  // One call straight into the target, about twice as fast as zlib's stream.
+  if (libdeflate_decompressor* d = libdeflate_alloc_decompressor()) {
+    size_t used = 0, made = 0;
+    const libdeflate_result r = libdeflate_zlib_decompress_ex(d, in, static_cast<size_t>(n), out,
+                                                              static_cast<size_t>(room), &used, &made);
+    libdeflate_free_decompressor(d);
+    return r == LIBDEFLATE_SUCCESS ? static_cast<int64_t>(made) : -1;
+  }
+#endif
+  z_stream z{};
+  if (inflateInit(&z) != Z_OK) return -1;
+  int64_t fed = 0, made = 0;
+  int status = Z_OK;
+  while (status == Z_OK) {
+    if (z.avail_in == 0 && fed < n) {
+      const int64_t step = std::min<int64_t>(n - fed, std::numeric_limits<uInt>::max());
+      z.next_in = const_cast<Bytef*>(in + fed);
+      z.avail_in = static_cast<uInt>(step);
+      fed += step;
+    }
+    const int64_t space = std::min<int64_t>(room - made, std::numeric_limits<uInt>::max());
+    z.next_out = out + made;
+    z.avail_out = static_cast<uInt>(space);
+    status = inflate(&z, Z_NO_FLUSH);
+    made += space - z.avail_out;
+    if (status == Z_BUF_ERROR && (made == room || fed >= n)) break;
+    if (status == Z_BUF_ERROR) status = Z_OK;
+  }
+  inflateEnd(&z);
+  return status == Z_STREAM_END ? made : -1;
 }

@@ -18,7 +18,9 @@ const tcommand linerows[] = {
 }  // namespace
 
 tcommandfamily meshcommands() {
-  static const std::vector<tcommand> rows = prefixed("mesh.", {workspacerows<meshworkspace>(), meshrows, meshbuildrows(), meshfilerows(), meshrenderrows(), meshsamplerows()});
+  static const std::vector<tcommand> rows =
+      prefixed("mesh.", {workspacerows<meshworkspace>(), meshrows, meshbuildrows(), meshfilerows(), meshtransformrows(),
+                         meshsmoothrows(), meshrenderrows(), meshsamplerows()});
   return {"mesh.", rows};
 }
 

@@ -31,7 +31,7 @@ void pointsfunc(tscript& s) { setresult(s, nattext(currentfield(lineworkspace).p
 
 using enum tcommandkind;
 const tcommand rows[] = {
-    {"load", procedure, loadcmd, nullptr, "load \"lines.txt\" 20 // a skein2 file; load only 20 % randomly from a skein2 file"},
+    {"load", procedure, loadcmd, nullptr, "load \"lines.txt\" 20 // a skein2 file; 20 drops about 20 % of its lines at random"},
     {"save", procedure, savecmd, nullptr, "save \"lines.trk\" // by extension: dxf obj vtp vtk trk mel mv3d swc, else skein2 text"},
     {"save.txt", procedure, savewithcmd<nativebytes>, nullptr, "save.txt \"lines.txt\" // skein2 text"},
     {"savetxt", procedure, savewithcmd<nativebytes>, nullptr, "savetxt \"lines.txt\" // same as save.txt"},

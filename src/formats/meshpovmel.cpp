@@ -1,5 +1,4 @@
 // POV-Ray mesh2 scenes and includes, and Maya MEL scripts.
-#include <ctime>
 #include <vector>
 
 #include "formats/meshtext.h"
@@ -84,10 +83,7 @@ template bool povwrite<false, 2>(const tmesh&, const utf16&, const tmeshsave&);
 template <bool smooth>
 bool melwrite(const tmesh& m, const utf16& name, const tmeshsave&) {
   const std::string object = utf16toutf8(name);
-  char stamp[64];
-  const std::time_t now = std::time(nullptr);
-  std::strftime(stamp, sizeof stamp, "%Y/%m/%d %H:%M:%S", std::localtime(&now));
-  std::string out = "// Maya MEL\n// Name: " + object + "\n// Last modified: " + stamp + "\n";
+  std::string out = melhead(object);
   bool first = true;
   for (int64_t i = 1; i <= m.faces.length; ++i) {
     progress("  Write MEL-file", static_cast<double>(i) / m.faces.length);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 
 #include "script/values.h"
 #include "shell/console.h"
@@ -99,6 +100,13 @@ bool hasnormals(const tmesh& m) {
 }
 
 bool hascolors(const tmesh& m) { return m.colors.length > 0 && m.colors.length >= m.points.length; }
+
+std::string melhead(const std::string& name) {
+  char stamp[64];
+  const std::time_t now = std::time(nullptr);
+  std::strftime(stamp, sizeof stamp, "%Y/%m/%d %H:%M:%S", std::localtime(&now));
+  return "// Maya MEL\n// Name: " + name + "\n// Last modified: " + stamp + "\n";
+}
 
 bool meshwritefile(const utf16& name, std::string_view bytes) {
   // The temporary name is the file's own with ".part": a failed write never leaves a

@@ -29,6 +29,10 @@ std::vector<int64_t> usedpoints(const tmesh& m, int64_t& count);
 bool hasnormals(const tmesh& m);
 bool hascolors(const tmesh& m);
 
+// The head of a Maya MEL script, the mesh's or the lines': name and the time of writing in
+// the form the start of a run prints its date and time.
+std::string melhead(const std::string& name);
+
 // "Write file (<name>)." and the bytes under a temporary name, renamed to the name when all
 // went well; nothing is left under the name otherwise.
 bool meshwritefile(const utf16& name, std::string_view bytes);

@@ -7,6 +7,7 @@
 #include "formats/nifti.h"
 #include "formats/niftiraw.h"
 #include "formats/stackfile.h"
+#include "formats/volumeformats.h"
 #include "library/filelist.h"
 #include "library/mathvector.h"
 #include "shell/console.h"
@@ -49,10 +50,9 @@ std::vector<std::string> textlines(const std::string& text) {
   return lines;
 }
 
-// The formats of the other volume readers, which this build doesn't have.
-bool notprovided(tscalarfield& f, uint8_t kind, const utf16& name) {
-  println("  Couldn't read File (" + name + ")! Create empty field.");
-  return keepfilter(f, [&] { fieldcreate(f, kind); return false; });
+template <tscalarreader read>
+bool volume(tscalarfield& f, uint8_t kind, const utf16& name) {
+  return scalarloadwith(f, kind, name, read);
 }
 
 bool stackread(tscalarfield& f, uint8_t kind, const utf16& name) { return scalarloadscale(f, kind, name, {0, 0, 0}); }
@@ -63,7 +63,11 @@ constexpr tfieldkind scalar = tfieldkind::scalar;
 constexpr tscalarformat formats[] = {
     {"nii hdr img nii.gz hdr.gz img.gz", scalar, scalarloadnifti, nullptr, nullptr, "HDR, NII, gz NII", nullptr},
     {"hdr nii nii.gz", scalar, nullptr, niftisave, nullptr, nullptr, "HDR, NII, gz NII"},
-    {"mdf mif mifx pcr am vtk vgl", scalar, notprovided, nullptr, nullptr, nullptr, nullptr},
+    {"mdf mif mifx", scalar, volume<mifload>, nullptr, nullptr, "MIF (MDF), MIFX", nullptr},
+    {"pcr", scalar, volume<pcrload>, nullptr, nullptr, "PCR (VOL)", nullptr},
+    {"am", scalar, volume<amiraload>, nullptr, nullptr, "AM", nullptr},
+    {"vtk", scalar, volume<vtkload>, nullptr, nullptr, "VTK", nullptr},
+    {"vgl", scalar, volume<vglload>, nullptr, nullptr, "VGL", nullptr},
     {"", scalar, stackread, stacksave, nullptr, "image stacks with *", "PNM, BMP, TGA, TIF, PNG"},
 };
 
@@ -77,6 +81,23 @@ bool scalarloadnifti(tscalarfield& f, uint8_t kind, const utf16& name) {
   const utf16 file = firstmatch(name);
   const bool ok =
       keepfilter(f, [&] { return niftiload(f, kind, file, 1, f.filteradd, f.filtermul); });
+  if (ok) atlaslookup(f, file);
+  return ok;
+}
+
+bool scalarloadwith(tscalarfield& f, uint8_t kind, const utf16& name, tscalarreader read) {
+  if (empty(name)) return false;
+  const utf16 file = firstmatch(name);
+  const bool ok = keepfilter(f, [&] { return read(f, kind, file); });
+  if (ok) atlaslookup(f, file);
+  return ok;
+}
+
+bool scalarloadraw(tscalarfield& f, uint8_t kind, const utf16& name, int64_t header, const utf16& type,
+                   const tnatvector& size) {
+  if (empty(name)) return false;
+  const utf16 file = firstmatch(name);
+  const bool ok = keepfilter(f, [&] { return rawload(f, kind, file, header, type, size); });
   if (ok) atlaslookup(f, file);
   return ok;
 }
@@ -139,17 +160,23 @@ bool scalarsave(const tscalarfield& f, const utf16& name) {
   return ok;
 }
 
-void scalarinfo(const utf16& name, const utf16& out) {
-  if (empty(name)) return;
-  const utf16 ext = lower(fileextension(name));
-  if (oneof(ext, {"mdf", "mif", "mifx", "pcr", "vtk", "am"})) return println("Not provided!");
-  if (equalutf8(ext, "gz")) return println("Zipped file not provided!");
+// The NIfTI header's fields as text; empty when the file can't be read.
+static std::vector<utf16> niftiinfo(const utf16& name) {
   uint8_t bytes[niftisize] = {};
-  if (sourcehead(niftiheadername(firstmatch(name)), bytes, niftisize) < 0) return;
+  if (sourcehead(niftiheadername(name), bytes, niftisize) < 0) return {};
   tniftiheader h;
   // A header of neither byte order is shown as it lies in the file.
   if (takeheader(h, bytes) && h.sizeof_hdr != niftisize && h.sizeof_hdr != nifti2size) swapheader(h);
-  const std::vector<utf16> lines = headertext(h);
+  return headertext(h);
+}
+
+void scalarinfo(const utf16& name, const utf16& out) {
+  if (empty(name)) return;
+  const utf16 ext = lower(fileextension(name));
+  if (oneof(ext, {"mdf", "mif", "mifx", "pcr", "vtk"})) return println("Not provided!");
+  if (equalutf8(ext, "gz")) return println("Zipped file not provided!");
+  const std::vector<utf16> lines = equalutf8(ext, "am") ? amirahead(firstmatch(name)) : niftiinfo(firstmatch(name));
+  if (lines.empty()) return;
   if (empty(out)) {
     for (const utf16& line : lines) println(line);
     return;

@@ -17,8 +17,14 @@ std::string scalaroutputnote();
 // Volume by the lower-cased extension, else an image stack. The field is made anew in kind
 // and keeps its load filter. After a volume load the atlas beside the file is read.
 bool scalarload(tscalarfield& f, uint8_t kind, const utf16& name);
-// The forced readers: NIfTI and Analyze whatever the extension says.
+// The forced readers: NIfTI and Analyze whatever the extension says; any volume reader of
+// formats/volumeformats.h the same way (the field keeps its filter, the atlas is read).
 bool scalarloadnifti(tscalarfield& f, uint8_t kind, const utf16& name);
+using tscalarreader = bool (*)(tscalarfield&, uint8_t, const utf16&);
+bool scalarloadwith(tscalarfield& f, uint8_t kind, const utf16& name, tscalarreader read);
+// Headerless voxels: header bytes, a type word ("byte", "word", "single", ...) and a size.
+bool scalarloadraw(tscalarfield& f, uint8_t kind, const utf16& name, int64_t header, const utf16& type,
+                   const tnatvector& size);
 // A stack with a given voxel size.
 bool scalarloadscale(tscalarfield& f, uint8_t kind, const utf16& name, const tvector& scale);
 // Only offset and matrix from the file's header, when the header has sizes.
@@ -32,7 +38,7 @@ void scalarappend(tscalarfield& f, const utf16& name, bool center);
 // with labels also writes them beside as stem + ".labels".
 bool scalarsave(const tscalarfield& f, const utf16& name);
 
-// The header as text, to the log or into the file out.
+// The header as text, to the log or into the file out: NIfTI's fields, an Amira file's head.
 void scalarinfo(const utf16& name, const utf16& out);
 
 // Label files: one label a line, "<value> <name>", values 0..999.

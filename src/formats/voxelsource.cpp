@@ -149,6 +149,16 @@ void sourceclose(tvoxelsource& s) {
   s.size = s.position = 0;
 }
 
+bool sourcememory(tvoxelsource& s, const utf16& name, int64_t n) {
+  sourceclose(s);
+  s.name = name;
+  s.memory.create(n);
+  if (s.memory.length != n) return false;
+  s.packed = true;
+  s.size = n;
+  return true;
+}
+
 const uint8_t* sourcetake(tvoxelsource& s, int64_t n, tbytelist& buffer) {
   if (n < 0 || s.position > s.size - n) return nullptr;
   if (s.packed) {

@@ -19,6 +19,9 @@ struct tvoxelsource {
 // success line. A corrupt gzip stream or a failed allocation gives false.
 bool sourceopen(tvoxelsource& s, const utf16& name, bool silent = false);
 void sourceclose(tvoxelsource& s);
+// A source of n bytes in memory for a decoder to fill (s.memory.data), read from its start.
+// False when the memory could not be had.
+bool sourcememory(tvoxelsource& s, const utf16& name, int64_t n);
 // The next n bytes: a pointer into the inflated memory, or into buffer after a read.
 // nullptr when fewer than n bytes are left.
 const uint8_t* sourcetake(tvoxelsource& s, int64_t n, tbytelist& buffer);

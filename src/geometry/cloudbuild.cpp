@@ -20,6 +20,26 @@ void closeline(tcloud& c, int64_t tag) {
   c.lineopen = false;
 }
 
+void addlines(tcloud& c, std::span<const tcloudpoint> points, std::span<const tlineentry> lines) {
+  const int64_t base = c.points.length, n = static_cast<int64_t>(points.size());
+  if (n < 1) return;
+  c.points.grow(n);
+  if (c.points.length != base + n) return;  // the allocator said why
+  for (int64_t i = 0; i < n; ++i) c.points.put(base + 1 + i, points[static_cast<size_t>(i)]);
+  int64_t first = base + 1;
+  for (const tlineentry& l : lines) {
+    if (l.count < 1) continue;
+    if (!c.objectopen) {
+      c.objectstarts.add(c.linestarts.length + 1);
+      c.objectopen = true;
+    }
+    if (!c.lineopen) c.linestarts.add(first);  // else the points go on an open line
+    c.linetags.add(l.tag);
+    c.lineopen = false;
+    first += l.count;
+  }
+}
+
 void closeobject(tcloud& c, const utf16& name) {
   closeline(c, 0);
   if (!c.objectopen) return;

@@ -3,6 +3,7 @@
 #pragma once
 #include <array>
 #include <cstdint>
+#include <span>
 
 #include "field/cloud.h"
 
@@ -11,6 +12,14 @@ using tcloudpoint = std::array<double, 4>;  // x, y, z, t
 void addpoint(tcloud& c, const tcloudpoint& p);
 void closeline(tcloud& c, int64_t tag);
 void closeobject(tcloud& c, const utf16& name);
+
+// Closed lines in one go, as addpoint and closeline would add them: all points, then the
+// point count and tag of each line. The point list grows once, where point by point a
+// long run climbs its growth ladder again and again. Lines of no points are passed over.
+struct tlineentry {
+  int64_t count, tag;
+};
+void addlines(tcloud& c, std::span<const tcloudpoint> points, std::span<const tlineentry> lines);
 
 // The 1-based range of points of line l, first..last (last < first for an empty line).
 struct tlinerange {

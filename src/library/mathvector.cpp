@@ -4,19 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
-tvector added(const tvector& a, const tvector& b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
-tvector scaled(const tvector& a, double f) { return {a[0] * f, a[1] * f, a[2] * f}; }
-double dot(const tvector& a, const tvector& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-
 tvector cross(const tvector& a, const tvector& b) {
   return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-double vectorlength(const tvector& a) { return std::sqrt(dot(a, a)); }
-
-tvector normalised(const tvector& a) {
-  const double n = vectorlength(a);
-  return n == 0 ? tvector{0, 0, 0} : scaled(a, 1 / n);
 }
 
 // atan2 of sine and cosine parts stays exact near 0 and pi, where acos of the normalised

@@ -1,17 +1,22 @@
 // Arithmetic on 3-vectors and on lists of components: the small pieces under the matrix
 // and quaternion routines and the vector commands of the script.
 #pragma once
+#include <cmath>
 #include <span>
 
 #include "script/values.h"
 
-tvector added(const tvector& a, const tvector& b);
-tvector scaled(const tvector& a, double f);
-double dot(const tvector& a, const tvector& b);
+// The smallest pieces are inline: tracers and samplers call them once a step.
+inline tvector added(const tvector& a, const tvector& b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
+inline tvector scaled(const tvector& a, double f) { return {a[0] * f, a[1] * f, a[2] * f}; }
+inline double dot(const tvector& a, const tvector& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 tvector cross(const tvector& a, const tvector& b);
-double vectorlength(const tvector& a);
+inline double vectorlength(const tvector& a) { return std::sqrt(dot(a, a)); }
 // The unit vector of the same direction; the zero vector stays zero.
-tvector normalised(const tvector& a);
+inline tvector normalised(const tvector& a) {
+  const double n = vectorlength(a);
+  return n == 0 ? tvector{0, 0, 0} : scaled(a, 1 / n);
+}
 // The angle between two vectors in radians, 0..pi; 0 when either is zero.
 double vectorangle(const tvector& a, const tvector& b);
 

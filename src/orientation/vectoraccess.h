@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "field/vectorfield.h"
+#include "library/mathvector.h"
 
 template <class A>
 using vectorelement = typename std::remove_cvref_t<A>::elementtype;
@@ -36,9 +37,7 @@ constexpr double unitscale() {
     return 18446744073709551616.0;  // 2^64
 }
 
-inline double vectorlength(const tvector& v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]); }
 inline bool iszero(const tvector& v) { return v[0] == 0 && v[1] == 0 && v[2] == 0; }
-inline tvector scaled(const tvector& v, double f) { return {v[0] * f, v[1] * f, v[2] * f}; }
 
 // The voxel count of the field's storage; 0 for an empty field or an unknown kind.
 inline int64_t vectorcount(const tvectorfield& f) {

@@ -9,6 +9,7 @@
 #include "field/workspaces.h"
 #include "formats/imagefile.h"
 #include "formats/imagelibs.h"
+#include "formats/lineformats.h"
 #include "formats/meshfile.h"
 #include "formats/scalarfile.h"
 #include "formats/tensorfile.h"
@@ -42,14 +43,18 @@ struct tscriptoption {
   const char* description;
   const char* formats;  // the note line behind it; nullptr for none
   std::string (*tablenotes)() = nullptr;  // or the note made from the kind's format table
+  std::string (*linenotes)() = nullptr;   // the line files, shown with the mesh files
 };
+
+std::string lineinputs() { return "lines: " + lineinputnote(); }
+std::string lineoutputs() { return "lines: " + lineoutputnote(); }
 
 constexpr tscriptoption inputoptions[] = {
     {"image.input", "image.input", "image.ppm", "image input file", nullptr, imageinputnote},
     {"scalar.input", "scalar.input", "scalar.nii.gz", "scalar field input file", nullptr, scalarinputnote},
     {"vector.input", "vector.input", "vector.nii.gz", "vector field input file", nullptr, vectorinputnote},
     {"tensor.input", "tensor.input", "tensor.nii.gz", "tensor field input file", nullptr, tensorinputnote},
-    {"mesh.input", "mesh.input", "input.obj", "mesh input file", nullptr, meshinputnote},
+    {"mesh.input", "mesh.input", "input.obj", "mesh input file", nullptr, meshinputnote, lineinputs},
 };
 
 constexpr tscriptoption transformoptions[] = {
@@ -66,7 +71,7 @@ constexpr tscriptoption outputoptions[] = {
     {"scalar.type", "scalar.type", "nii.gz", "scalar field output type", nullptr, scalaroutputnote},
     {"vector.type", "vector.type", "nii.gz", "vector field output type", nullptr, vectoroutputnote},
     {"tensor.type", "tensor.type", "nii.gz", "tensor field output type", nullptr, tensoroutputnote},
-    {"mesh.type", "mesh.type", "obj", "mesh output type", nullptr, meshoutputnote},
+    {"mesh.type", "mesh.type", "obj", "mesh output type", nullptr, meshoutputnote, lineoutputs},
 };
 
 template <size_t n>
@@ -76,6 +81,7 @@ void declaregroup(const char* title, const tscriptoption (&group)[n], bool lower
     const utf16 value = opttext(options, o.name, o.fallback, o.description);
     if (o.formats) note(options, o.formats);
     if (o.tablenotes) note(options, o.tablenotes().c_str());
+    if (o.linenotes) note(options, o.linenotes().c_str());
     setvarquiet(script, o.variable, lowercase ? lower(value) : value);
   }
 }

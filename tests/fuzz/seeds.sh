@@ -35,4 +35,10 @@ for name, n, intent in (("vector", 3, "vector"), ("tensor", 6, "symmetric matrix
 open(f"{sys.argv[1]}/seed_pairs.txt", "wb").write(b"\1<1, 2, 3>\n<1.5, 2, 2>\n\n<2, 2, 3>\n<2, 3, 3>\n\n")
 PY
     ;;
+  fuzz_volumes)
+    # The device and foreign files of the volume client test, each whole.
+    tmp=$(mktemp -d)
+    /usr/bin/python3 "$root/tests/volume_clients.py" generate "$tmp" >/dev/null
+    find "$tmp" -maxdepth 1 -type f ! -name '*.json' ! -name '*.macro' -exec cp {} "$out/" \;
+    rm -rf "$tmp" ;;
 esac

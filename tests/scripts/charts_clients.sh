@@ -3,7 +3,6 @@
 # forms gunzip to the same text, Pillow reads the raster forms; an empty histogram has
 # axes and labels and no bars.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
 for tool in xmllint rsvg-convert gs; do
   command -v $tool >/dev/null || { fail "$tool is needed (tools/install-deps.sh)"; finish; }
 done

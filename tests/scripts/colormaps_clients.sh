@@ -1,8 +1,7 @@
 # Colour maps against matplotlib's own tables: the perceptual maps in 256 steps and the
 # ColorBrewer maps in as many steps as they have anchors, within one byte.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-$PY -c "import matplotlib" 2>/dev/null || { fail "python3-matplotlib is needed (tools/install-deps.sh)"; finish; }
+need_python "matplotlib"
 {
   echo "debug.no"
   echo "procedure dump"

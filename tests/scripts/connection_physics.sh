@@ -3,12 +3,8 @@
 # higher in the tubes than in an isotropic ball, FA and MD match dipy's formulas on our
 # eigenvalues, and methods 3 and 5 give the same bytes for thread.max 1, 2 and 32.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
 HERE="$(cd "$(dirname "$0")" && pwd)"
-if ! "$PY" -c "import nibabel, numpy, dipy" 2>/dev/null; then
-  fail "python3-nibabel, python3-numpy and python3-dipy are needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel, numpy, dipy"
 "$PY" - "$HERE" <<'PYEOF' || fail "making the phantoms"
 import sys
 sys.path.insert(0, sys.argv[1])

@@ -1,12 +1,8 @@
 # The diffusion scan on small volumes, every method, statistic, fullscan, cone and the
 # reduced and adaptive forms, voxel for voxel against an independent model in Python.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
 HERE="$(cd "$(dirname "$0")" && pwd)"
-if ! "$PY" -c "import nibabel, numpy" 2>/dev/null; then
-  fail "python3-nibabel and python3-numpy are needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel, numpy"
 PYTHONPATH="$HERE" "$PY" "$HERE/diffusion_fidelity.py" make || fail "making the volumes"
 timeout 300 "$BIN" -strict -macro=run.macro > console.txt 2>&1
 check_eq "$?" 0 "voxmill ran the macro"

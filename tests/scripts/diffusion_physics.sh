@@ -4,12 +4,8 @@
 # the volume's affine, the vector intent and dim[5] = 3; and thread.max 1, 2 and 32 give
 # the same bytes.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
 HERE="$(cd "$(dirname "$0")" && pwd)"
-if ! "$PY" -c "import nibabel, numpy" 2>/dev/null; then
-  fail "python3-nibabel and python3-numpy are needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel, numpy"
 "$PY" - "$HERE" <<'PYEOF' || fail "making the phantom"
 import sys
 sys.path.insert(0, sys.argv[1])

@@ -13,6 +13,7 @@ vector.histogram.raw "histogram.txt" // write value count' "the matching command
 check_not_contains "$plain" "Commands with" "plain -h lists no commands"
 [ -e voxmill.macro ] && fail "help wrote a macro"
 
+check_contains "$plain" "      lines: skein2 text" "the line files are among the formats"
 check_contains "$plain" "  -update : Load a new version from https://voxmill.org/download/$(uname -m)-$(uname -s)/" "update address"
 check_contains "$plain" " for $(uname -s) ($(uname -m)_" "version line"
 finish

@@ -4,11 +4,7 @@
 # fastest, the scan order of the groups) and the sizes per group must agree. Image labels
 # stay below 256, in a gray target.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-if ! $PY -c "import nibabel, scipy, PIL" 2>/dev/null; then
-  fail "python3-nibabel, python3-scipy and python3-pil are needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel, scipy, PIL"
 $PY - <<'PYEOF'
 import numpy as np, nibabel as nib
 from PIL import Image

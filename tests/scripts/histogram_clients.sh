@@ -2,11 +2,7 @@
 # and the analysis of a bimodal histogram against a numpy model of its steps: smoothing
 # passes of length div 100, the two derivatives, the sign tests and the merging.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-if ! $PY -c "import nibabel, PIL" 2>/dev/null; then
-  fail "python3-nibabel and python3-pil are needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel, PIL"
 $PY - <<'PYEOF'
 import numpy as np, nibabel as nib
 from PIL import Image

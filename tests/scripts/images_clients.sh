@@ -5,11 +5,7 @@
 # gray TIFF's tag values), the difference itself is checked. FreeImage and ImageMagick are
 # tested where installed, each alone.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-if ! $PY -c "import PIL" 2>/dev/null; then
-  fail "python3-pil is missing (tools/install-deps.sh installs it)"
-  finish
-fi
+need_python "PIL"
 
 # ---- the corpus ----
 $PY - <<'EOF'

@@ -12,3 +12,6 @@ check_not_contains() { ! grep -qF -- "$2" <<<"$1" || fail "$3: [$2] should not b
 # The console text behind the option header, progress lines removed.
 script_part() { sed -n '/^Script runs\.\.\./,$p' | tr -d '\r'; }
 finish() { [ "$FAILS" -eq 0 ] && echo "all checks passed" || exit 1; }
+# The independent readers run under Debian's Python; a missing module is one failure.
+PY=/usr/bin/python3
+need_python() { "$PY" -c "import $1" 2>/dev/null || { fail "Python modules $1 are needed (tools/install-deps.sh installs them)"; finish; }; }

@@ -1,6 +1,6 @@
 # Line files read by independent readers: TrackVis by nibabel, VTP by vtk (on a copy with
 # the lines block mended), DXF by ezdxf, OBJ by assimp (t column dropped), SWC and MV3D by their columns; the
-# native text read back; a failed save leaves no file behind.
+# native text read back, also as scaled copies; a failed save leaves no file behind.
 source "$(dirname "$0")/lib.sh"
 PY=/usr/bin/python3
 "$PY" - <<'PYEOF' || fail "making the inputs"
@@ -37,6 +37,13 @@ line.clear
 line.load "mixed.txt"
 line.save.obj "mixed.obj"
 line.save.swc "nodir/x.swc"
+line.save.txt "mixed-again.txt"
+one := line.copyscale 2
+four := line.copyscale <2, 2, 2, 3>
+line.use one
+line.save.txt "one.txt"
+line.use four
+line.save.txt "four.txt"
 line.clear
 scalar.8bit
 scalar.use "m"
@@ -114,7 +121,14 @@ head = [l for l in open("s.mv3d") if l.startswith("#")]
 assert head[1].split()[-1] == str(lines) and head[2].split()[-1] == str(points)
 mv = np.loadtxt("s.mv3d", comments="#")
 assert len(mv) == points and mv[:, 0].max() == lines and np.allclose(mv[:, 1:], np.vstack(ref))
+# copyscale: one factor scales x, y, z; a fourth entry scales t too
+a = native("mixed-again.txt")
+for name, f in (("one.txt", [2, 2, 2, 1]), ("four.txt", [2, 2, 2, 3])):
+    c = native(name)
+    assert len(c) == len(a) and all(np.array_equal(x, y * f) for x, y in zip(c, a)), name
 mel = open("s.mel").read().splitlines()
+import re
+assert re.fullmatch(r"// Last modified: \d{4}/\d\d/\d\d \d\d:\d\d:\d\d", mel[2]), mel[2]
 assert mel[0] == "// Maya MEL" and sum(l.startswith("curve") for l in mel) == lines and mel[-1] == "// End of s.mel"
 PYEOF
 # OBJ: t stands as a fourth vertex value, which assimp takes for w and refuses when 0

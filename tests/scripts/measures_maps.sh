@@ -6,11 +6,7 @@
 # tie angle of the sample count; block mean, SD and the local
 # binary pattern against numpy; zero contours; and the same maps for thread.max 1, 2 and 32.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-if ! $PY -c "import nibabel, scipy" 2>/dev/null; then
-  fail "python3-nibabel and python3-scipy are needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel, scipy"
 $PY - <<'PYEOF'
 import numpy as np, nibabel as nib
 n = 48

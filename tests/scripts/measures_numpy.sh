@@ -3,11 +3,7 @@
 # centre of gravity, the inertia tensor of a box against its closed form, and box counting
 # by -log10(n) / log10(L) with L from the object size.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-if ! $PY -c "import nibabel" 2>/dev/null; then
-  fail "python3-nibabel is needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel"
 $PY - <<'PYEOF'
 import numpy as np, nibabel as nib
 rng = np.random.default_rng(22)

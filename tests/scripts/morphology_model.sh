@@ -2,11 +2,7 @@
 # filling against scipy's binary_fill_holes, and the threaded convex fill for several
 # thread counts.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-if ! $PY -c "import nibabel, scipy" 2>/dev/null; then
-  fail "nibabel or scipy is missing (tools/install-deps.sh installs them)"
-  finish
-fi
+need_python "nibabel, scipy"
 
 $PY - <<'EOF'
 import numpy as np, nibabel as nib

@@ -3,11 +3,7 @@
 # skimage's downscale_local_mean, median and max against numpy block statistics, and the
 # label form against the most frequent value of each block.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-if ! $PY -c "import nibabel, scipy, skimage" 2>/dev/null; then
-  fail "nibabel, scipy or skimage is missing (tools/install-deps.sh installs them)"
-  finish
-fi
+need_python "nibabel, scipy, skimage"
 
 $PY - <<'EOF'
 import numpy as np, nibabel as nib

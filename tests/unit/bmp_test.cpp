@@ -1,4 +1,4 @@
-// BMP reading over every header size and bit depth, its refusals, and the 24-bit writer.
+// BMP reading over every header size and the palette depths, and its refusals.
 #include "imagetest.h"
 
 #include "formats/bmp.h"
@@ -62,44 +62,18 @@ TEST(BmpRead, EveryHeaderSizeAndDepth) {
   }
 }
 
-TEST(BmpRead, TrueColourAndPaletteBytes) {
-  // 24 bit: BGR, rows padded to four bytes; 2 by 2.
-  const std::string rows24 = std::string("\x01\x02\x03\x04\x05\x06\0\0\x07\x08\x09\x0A\x0B\x0C\0\0", 16);
-  Read c(imagergb, bitmap(40, 2, 2, 24, "", rows24));
-  EXPECT_EQ(getrgb(c.f, 1, 2), (trgb{3, 2, 1}));
-  EXPECT_EQ(getrgb(c.f, 2, 1), (trgb{12, 11, 10}));
-  Read g(imagegray, bitmap(40, 2, 2, 24, "", rows24));
-  EXPECT_EQ(getvalue(g.f, 1, 2), 2);
-  // 32 bit reads as 24 with the fourth byte passed over.
-  Read a(imagergba, bitmap(40, 1, 1, 32, "", std::string("\x01\x02\x03\x44", 4)));
-  EXPECT_EQ(getrgba(a.f, 1, 1), (trgba{3, 2, 1, 255}));
-  std::string pal256;
-  for (int i = 0; i < 256; ++i) pal256 += std::string{static_cast<char>(i), static_cast<char>(i), static_cast<char>(255 - i), 0};
-  Read p8(imagergb, bitmap(40, 1, 1, 8, pal256, std::string("\x10\0\0\0", 4)));
-  EXPECT_EQ(getrgb(p8.f, 1, 1), (trgb{0xEF, 0x10, 0x10}));
-  EXPECT_EQ(utf16toutf8(p8.f->name), path("t.bmp"));
-}
-
+// True colour, 32 bit and 8-bit palettes: images_clients.sh reads Pillow's and netpbm's files.
+// Signature, RLE, bit count, negative height and file size: the images bad-input macro.
 TEST(BmpRead, RefusalsEachWithItsLine) {
-  Read sig(imagergb, bitmap(40, 1, 1, 24, "", std::string(4, '\0'), 0, "XY"));
-  EXPECT_EQ(sig.lines, (std::vector<std::string>{"Unknown header type (22872).", "  Bad Magic Identifier! Create empty field."}));
   Read other(imagergb, bitmap(40, 1, 1, 24, "", std::string(4, '\0'), 0, "IC"));
   EXPECT_TRUE(other.ok);  // one of the six published signatures
   Read size(imagergb, bitmap(52, 1, 1, 24, "", std::string(4, '\0')));
   EXPECT_EQ(size.lines.back(), "Unknown header size (52).");
-  Read rle(imagergb, bitmap(40, 1, 1, 8, std::string(1024, '\0'), std::string(4, '\0'), 1));
-  EXPECT_EQ(rle.lines.back(), "I'm to stupid for compressed images.");
-  Read bits(imagergb, bitmap(40, 1, 1, 16, "", std::string(4, '\0')));
-  EXPECT_EQ(bits.lines.back(), "  Bad BitsPerPixel Identifier (16). Empty image created!");
-  Read topdown(imagergb, bitmap(40, 1, -1, 24, "", std::string(4, '\0')));
-  EXPECT_EQ(topdown.lines.back(), "  Bad image size (1x-1). Empty image created!");
-  Read huge(imagergb, bitmap(40, 1000000, 1000000, 24, "", std::string(40, '\0')));
-  EXPECT_EQ(huge.lines.back(), "Wrong file size (94).");
   Read cut(imagegray, "BM\x10");
   EXPECT_EQ(cut.lines.back(), "Wrong file size (3).");
-  for (Read* r : {&sig, &size, &rle, &bits, &topdown, &huge, &cut}) {
+  for (Read* r : {&size, &cut}) {
     EXPECT_FALSE(r->ok);
     EXPECT_TRUE(fieldempty(r->f.f));
-    EXPECT_EQ(r->lines.size(), r == &sig ? 2u : 1u);
+    EXPECT_EQ(r->lines.size(), 1u);
   }
 }

@@ -1,5 +1,6 @@
 // The image field: kinds, accessors and clamping, value and background, copies; and the
-// smaller raster formats (own RGB, raw, IMGF, TGA) with the choice of reader and writer.
+// smaller raster formats (own RGB, raw, IMGF) with the choice of reader and writer; Pillow
+// reads the TGA files in images_clients.sh.
 #include "imagetest.h"
 
 #include "formats/bmp.h"
@@ -9,7 +10,6 @@
 #include "formats/raw.h"
 #include "formats/rgb.h"
 #include "formats/scalarfile.h"
-#include "formats/tga.h"
 
 using namespace imagetest;
 
@@ -198,19 +198,6 @@ TEST(Imgf, DepthsCompressionAndBackground) {
   lines = printed([&] { imgfread(g, path("d.imgf").c_str()); });
   EXPECT_EQ(lines.back(), "  Bad Magic Identifier! Create empty field.");
   EXPECT_TRUE(fieldempty(g.f));
-}
-
-TEST(Tga, HeaderAndBottomUpBgrRows) {
-  Field c(imagergb, 2, 2);
-  setrgb(c, 1, 1, {1, 2, 3});
-  setrgb(c, 2, 2, {4, 5, 6});
-  printed([&] { EXPECT_TRUE(tgawrite(c, path("a.tga").c_str())); });
-  const std::string t = readbytes(path("a.tga"));
-  ASSERT_EQ(t.size(), 18u + 12);
-  EXPECT_EQ(t[2], 2);
-  EXPECT_EQ(getle16(t, 12), 2u);
-  EXPECT_EQ(t[16], 24);
-  EXPECT_EQ(t.substr(18, 12), std::string("\0\0\0\x06\x05\x04\x03\x02\x01\0\0\0", 12));
 }
 
 TEST(Dispatch, ReadersAndWritersByExtensionAndKind) {

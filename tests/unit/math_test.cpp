@@ -1,4 +1,5 @@
-// Vectors, homogeneous matrices, quaternions and matrix text.
+// Vectors, homogeneous matrices and quaternions: properties over many rotations (the math
+// macros show the values of single cases).
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -123,9 +124,6 @@ TEST(Quaternions, LengthDoesNotChangeTheRotation) {
   const tquaternion longer{3 * q.x, 3 * q.y, 3 * q.z, 3 * q.w};
   expectnear(rotated(longer, {1, -1, 2}), rotated(q, {1, -1, 2}));
   EXPECT_NEAR(rotationangle(longer), 0.7, 1e-15);
-  // The zero quaternion leaves vectors alone.
-  EXPECT_EQ(rotated({0, 0, 0, 0}, {1, 2, 3}), (tvector{1, 2, 3}));
-  EXPECT_EQ(quaternionmatrix({0, 0, 0, 0}), identitymatrix());
 }
 
 const std::vector<tquaternion> rotations = {
@@ -158,9 +156,6 @@ TEST(Quaternions, RotationMatrixIsOrthonormalAndRightHanded) {
 }
 
 TEST(Quaternions, JoinComposesRotationsInOrder) {
-  const tquaternion a = axisangle({0, 0, 1}, pi / 2), b = axisangle({1, 0, 0}, pi / 2);
-  // x turns to y about z, then y turns to z about x.
-  expectnear(rotated(joined(a, b), {1, 0, 0}), {0, 0, 1});
   for (const tquaternion& p : rotations)
     for (const tquaternion& q : rotations) {
       expectnear(quaternionmatrix(joined(p, q)), product(quaternionmatrix(p), quaternionmatrix(q)));
@@ -175,7 +170,5 @@ TEST(Quaternions, ConjugateUndoesTheRotation) {
     expectnear(inverted(quaternionmatrix(q)), quaternionmatrix(conjugate(q)));
   }
 }
-
-// --- matrix text -------------------------------------------------------------------------
 
 }  // namespace

@@ -24,10 +24,8 @@ struct Read {
 }  // namespace
 
 TEST(PnmRead, TextFormsIntoGray) {
-  Read p1(imagegray, "P1\n# a comment\n3 1\n1 0 1\n");
-  ASSERT_TRUE(p1.ok);
-  EXPECT_EQ(p1.at(1), 0);  // a set bit reads 0,
-  EXPECT_EQ(p1.at(2), 1);  // the clear one 1
+  // P1 as a set bit 0 and a clear one 1, P6 clamped before the division and 16-bit PGM
+  // low byte first: images_clients.sh on netpbm's files.
   Read packed(imagegray, "P1\n3 1\n101");
   EXPECT_EQ(packed.at(2), 1);
   EXPECT_EQ(packed.at(3), 0);
@@ -49,19 +47,8 @@ TEST(PnmRead, BinaryFormsIntoGrayAndFullgray) {
   Read p5(imagegray, std::string("P5\n2 1\n255\n\x07\xFF", 14));
   EXPECT_EQ(p5.at(1), 7);
   EXPECT_EQ(p5.at(2), 255);
-  Read p6(imagegray, std::string("P6\n2 1\n255\n\xC8\xC8\xC8\x1E\x3C\x5A", 17));
-  EXPECT_EQ(p6.at(1), 85);  // clamped to 255 first, then divided
-  EXPECT_EQ(p6.at(2), 60);
   Read p6full(imagefullgray, std::string("P6\n1 1\n255\n\xC8\xC8\xC8", 14));
   EXPECT_EQ(p6full.at(1), 200);  // 16-bit results: no clamp to 255
-  // 16-bit P5: gray takes the high byte of each big-endian pair; fullgray the pair as it
-  // lies, low byte first.
-  const std::string p15 = std::string("P5\n2 1\n65535\n\x12\x34\xFF\x01", 17);
-  Read gray15(imagegray, p15), full15(imagefullgray, p15);
-  EXPECT_EQ(gray15.at(1), 0x12);
-  EXPECT_EQ(gray15.at(2), 0xFF);
-  EXPECT_EQ(full15.at(1), 0x3412);
-  EXPECT_EQ(full15.at(2), 0x01FF);
   Read p16(imagegray, std::string("P6\n1 1\n65535\n\xC8\x00\xC8\x00\x10\x00", 19));
   EXPECT_EQ(p16.at(1), 255 / 3);  // high bytes summed and clamped, then divided
   Read p5full(imagefullgray, std::string("P5\n1 1\n255\n\xC8", 12));

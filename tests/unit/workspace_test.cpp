@@ -121,18 +121,4 @@ TEST_F(Workspaces, AnEmptyTargetTakesThePlaceOfItsSourceAFilledOneIsKept) {
   fieldrelease(target);
 }
 
-TEST_F(Workspaces, AVolumeLargerThanTheMachineLeavesAnEmptyFieldOfItsKind) {
-  tscalarfield& f = currentfield(scalarworkspace);
-  const int64_t held = fieldmemoryheld();
-  std::vector<std::string> lines = printed([&] { fieldcreate(f, scalargray, {200000, 200000, 200000}); });
-  EXPECT_EQ(lines, std::vector<std::string>{"  Wrong static allocation (Out of memory?)! Create empty field."});
-  EXPECT_EQ(f.kind, scalargray);
-  EXPECT_TRUE(fieldempty(f));
-  EXPECT_EQ(fieldmemoryheld(), held);
-  timagefield& image = currentfield(imageworkspace);
-  lines = printed([&] { fieldcreate(image, imagergba, {3000000000, 3000000000}); });
-  EXPECT_FALSE(lines.empty());
-  EXPECT_EQ(fieldsize(image), (tnatvector{0, 0, 1}));
-}
-
 }  // namespace

@@ -1,0 +1,19 @@
+# Volume files made outside voxmill: VTK structured points by vtk's legacy writer, the
+# device formats (MIF, MIFX, PCR, XML clips, VGL, ARF, raw) byte by byte from their field
+# lists and Amira's packed blocks by an encoder in the test; voxmill loads each and saves
+# NIfTI, which nibabel reads back for the voxels and the affine.
+CLIENTS="$(cd "$(dirname "$0")/.." && pwd)/volume_clients.py"
+source "$(dirname "$0")/lib.sh"
+PY=/usr/bin/python3
+
+if ! "$PY" -c "import nibabel, numpy, vtk" 2>/dev/null; then
+  fail "python3-nibabel, python3-numpy and python3-vtk9 are needed (tools/install-deps.sh)"
+  finish
+fi
+"$PY" "$CLIENTS" generate "$WORK" 2>gen.err || fail "generating the files: $(head -5 gen.err)"
+timeout 120 "$BIN" -strict -macro=run.macro > console.txt 2>&1; rc=$?
+check_eq "$rc" 0 "voxmill ran the macro"
+out=$("$PY" "$CLIENTS" check "$WORK" 2>&1) || fail "the files in voxmill:
+$out
+$(script_part < console.txt | head -80)"
+finish
