@@ -6,13 +6,13 @@ set -euo pipefail
 # nifti_tool those of NIfTI volumes; scipy is the peer of the filter benchmark; xmllint,
 # rsvg-convert and Ghostscript read the charts; vtk, meshio, ezdxf and assimp read and write
 # meshes and our line files, scikit-image is the peer of the surface benchmark, dipy that
-# of the streamline benchmark.
+# of the streamline benchmark; teem's unu reads our tensor NRRD files.
 packages=(build-essential cmake ninja-build zlib1g-dev libgtest-dev libbenchmark-dev python3 clang
           libclang-rt-14-dev libfreeimage3
           libmagickwand-6.q16-6 python3-pil netpbm pngcheck libtiff-tools
           python3-numpy python3-nibabel nifti-bin libdeflate-dev python3-scipy python3-skimage
           librsvg2-bin libxml2-utils ghostscript python3-matplotlib tcl python3-dipy
-          python3-vtk9 python3-meshio python3-ezdxf assimp-utils)
+          python3-vtk9 python3-meshio python3-ezdxf assimp-utils teem-apps)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

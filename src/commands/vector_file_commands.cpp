@@ -4,6 +4,7 @@
 #include "formats/scalarfile.h"
 #include "formats/tensorfile.h"
 #include "formats/vectorfile.h"
+#include "formats/vectorformats.h"
 #include "formats/vectornifti.h"
 #include "script/registry.h"
 #include "script/values.h"
@@ -38,12 +39,20 @@ void appendcmd(tscript& s) {
   if (checkparams(s, 1)) fileappend(currentfield(W), param(s, 1));
 }
 
-// An optional second parameter scales each component while writing.
+// With a scale for each component the file is AmiraMesh, whatever its name.
 void vectorsavecmd(tscript& s) {
   const int64_t n = paramcount(s);
   if (n < 1) return reportmin(s, 1);
   if (n > 2) return reportmax(s, 2);
-  vectorsave(currentfield(vectorworkspace), param(s, 1), n == 2 ? textvector(param(s, 2)) : tvector{1, 1, 1});
+  const tvectorfield& f = currentfield(vectorworkspace);
+  if (n == 2)
+    amirasave(f, param(s, 1), textvector(param(s, 2)));
+  else
+    vectorsave(f, param(s, 1), {1, 1, 1});
+}
+
+void loadtextcmd(tscript& s) {
+  if (checkparams(s, 1)) pairtextload(currentfield(vectorworkspace), vectorworkspace.defaultkind, param(s, 1));
 }
 
 void tensorsavecmd(tscript& s) {
@@ -60,7 +69,7 @@ void infocmd(tscript& s) {
 using enum tcommandkind;
 template <auto& W>
 constexpr tcommand readrows[] = {
-    {"load", procedure, loadcmd<W>, nullptr, "load \"name\" // field by extension (nii, nii.gz, hdr, img)"},
+    {"load", procedure, loadcmd<W>, nullptr, "load \"name\" // field by extension (nii, nii.gz, hdr, img; vectors also txt and image stacks)"},
     {"load.nii", procedure, loadniftcmd<W>, nullptr, "load.nii \"name\" // NIfTI-1 field in one file"},
     {"loadnii", procedure, loadniftcmd<W>, nullptr, ""},
     {"load.nii.gz", procedure, loadniftcmd<W>, nullptr, "load.nii.gz \"name\" // NIfTI-1 field, gzip compressed"},
@@ -74,10 +83,12 @@ const tcommand inforow[] = {
 };
 
 const tcommand vectorsaverow[] = {
-    {"save", procedure, vectorsavecmd, nullptr, "save \"name\" <1, 1, 1> // nii, nii.gz, hdr; optional scale of each component"},
+    {"load.txt", procedure, loadtextcmd, nullptr, "load.txt \"name\" // position and tip lines into the field's voxels"},
+    {"loadtxt", procedure, loadtextcmd, nullptr, ""},
+    {"save", procedure, vectorsavecmd, nullptr, "save \"name\" <1, 1, 1> // nii, nii.gz, hdr, fld, am, tessler, else text; with a scale: AmiraMesh"},
 };
 const tcommand tensorsaverow[] = {
-    {"save", procedure, tensorsavecmd, nullptr, "save \"name\" // nii, nii.gz, hdr (xx, xy, xz, yy, yz, zz)"},
+    {"save", procedure, tensorsavecmd, nullptr, "save \"name\" // nii, nii.gz, hdr, nhdr (with .raw), else nrrd (xx, xy, xz, yy, yz, zz)"},
 };
 
 std::vector<tcommand> joined(std::span<const tcommand> a, std::span<const tcommand> b) {

@@ -2,6 +2,7 @@
 
 #include "base/filebuffer.h"
 #include "field/owned.h"
+#include "formats/tensornrrd.h"
 #include "formats/vectorfile.h"
 #include "formats/vectornifti.h"
 #include "orientation/tensorvoxel.h"
@@ -9,27 +10,26 @@
 
 namespace {
 
-bool notwritten(const ttensorfield&, const utf16&) {
-  println("Not provided!");
-  return false;
-}
-
 constexpr tfieldkind tensor = tfieldkind::tensor;
 
 constexpr ttensorformat formats[] = {
     {"nii hdr img nii.gz hdr.gz img.gz", tensor, tensorniftiload, nullptr, nullptr, "HDR, NII, gz NII", nullptr},
     {"hdr nii nii.gz", tensor, nullptr, tensorniftisave, nullptr, nullptr, "HDR, NII, gz NII"},
-    {"", tensor, nullptr, notwritten, nullptr, nullptr, nullptr},
+    {"nhdr", tensor, nullptr, tensornrrdsave, nullptr, nullptr, "NHDR"},
+    {"", tensor, nullptr, tensornrrdsave, nullptr, nullptr, "NRRD"},
 };
 
 }  // namespace
 
 std::span<const ttensorformat> tensorformats() { return formats; }
+std::string tensorinputnote() { return formatnotes(tensorformats(), false); }
+std::string tensoroutputnote() { return formatnotes(tensorformats(), true); }
 
 bool tensorload(ttensorfield& f, uint8_t kind, const utf16& name) {
   if (empty(name)) return false;
-  const ttensorformat* r = formatrow(tensorformats(), lower(fileextension(name)), false);
-  return r && r->read(f, kind, name);
+  if (const ttensorformat* r = formatrow(tensorformats(), lower(fileextension(name)), false)) return r->read(f, kind, name);
+  fieldcreate(f, kind);  // no reader: silently empty
+  return false;
 }
 
 bool tensorsave(const ttensorfield& f, const utf16& name) {

@@ -10,9 +10,11 @@
 using ttensorformat = tformatrow<bool (*)(ttensorfield&, uint8_t, const utf16&), bool (*)(const ttensorfield&, const utf16&)>;
 
 std::span<const ttensorformat> tensorformats();
+std::string tensorinputnote();
+std::string tensoroutputnote();
 
 // By the lower-cased extension; the field is made anew in kind. Other names read nothing
-// and leave the field empty; NRRD is not written by this build ("Not provided!").
+// and leave the field empty; they are written as NRRD.
 bool tensorload(ttensorfield& f, uint8_t kind, const utf16& name);
 bool tensorsave(const ttensorfield& f, const utf16& name);
 // Offset and matrix from the file's header alone.

@@ -6,28 +6,23 @@
 #include "field/owned.h"
 #include "formats/nifti.h"
 #include "formats/niftiheader.h"
+#include "formats/vectorformats.h"
 #include "formats/vectornifti.h"
 #include "script/values.h"
 #include "shell/console.h"
 
 namespace {
 
-// The text, AVS, Amira and image-stack forms come with their own files.
-bool notread(tvectorfield&, uint8_t, const utf16&) {
-  println("Not provided!");
-  return false;
-}
-bool notwritten(const tvectorfield&, const utf16&, const tvector&) {
-  println("Not provided!");
-  return false;
-}
-
 constexpr tfieldkind vector = tfieldkind::vector;
 
 constexpr tvectorformat formats[] = {
     {"nii hdr img nii.gz hdr.gz img.gz", vector, vectorniftiload, nullptr, nullptr, "HDR, NII, gz NII", nullptr},
     {"hdr nii nii.gz", vector, nullptr, vectorniftisave, nullptr, nullptr, "HDR, NII, gz NII"},
-    {"", vector, notread, notwritten, nullptr, nullptr, nullptr},
+    {"txt txt.gz vector", vector, pairtextload, nullptr, nullptr, "TXT", nullptr},
+    {"fld", vector, nullptr, avssave, nullptr, nullptr, "FLD"},
+    {"am", vector, nullptr, amirasave, nullptr, nullptr, "AM"},
+    {"tessler", vector, nullptr, tesslersave, nullptr, nullptr, nullptr},
+    {"", vector, rgbstackload, pairtextsave, nullptr, "image stacks with *", nullptr},
 };
 
 }  // namespace

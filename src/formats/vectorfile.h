@@ -15,8 +15,8 @@ std::span<const tvectorformat> vectorformats();
 std::string vectorinputnote();
 std::string vectoroutputnote();
 
-// By the lower-cased extension; the field is made anew in kind. A format this build lacks
-// says "Not provided!". scale multiplies each component on the way out.
+// By the lower-cased extension; the field is made anew in kind (a text file keeps the
+// field's size and place). scale multiplies each component on the way out.
 bool vectorload(tvectorfield& f, uint8_t kind, const utf16& name);
 bool vectorsave(const tvectorfield& f, const utf16& name, const tvector& scale);
 

@@ -2,18 +2,16 @@
 
 #include <algorithm>
 #include <bit>
-#include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <type_traits>
 
 #include "base/filebuffer.h"
-#include "base/gzip.h"
 #include "formats/nifti.h"
 #include "formats/niftiheader.h"
 #include "formats/niftiraw.h"
 #include "formats/voxelsource.h"
+#include "formats/wholewrite.h"
 #include "orientation/tensorvoxel.h"
 #include "script/values.h"
 #include "shell/console.h"
@@ -51,12 +49,6 @@ tniftiheader orientationheader(const F& f, int components, bool single) {
   return h;
 }
 
-template <class T>
-void appendnumber(std::string& out, T v) {
-  static_assert(std::endian::native == std::endian::little, "the payload is little-endian as it lies in memory");
-  out.append(reinterpret_cast<const char*>(&v), sizeof v);
-}
-
 // The component planes: value(c, i) of component c at the 0-based voxel index i.
 template <class Value>
 void appendplanes(std::string& out, int64_t count, int components, bool integer, const utf16& label, Value value) {
@@ -76,27 +68,6 @@ void appendplanes(std::string& out, int64_t count, int components, bool integer,
 // The tensor components in file order xx, xy, xz, yy, yz, zz: which volume, which entry.
 constexpr int tensorvolume[6] = {0, 1, 1, 0, 1, 0};
 constexpr int tensorentry[6] = {0, 0, 1, 1, 2, 2};
-
-
-
-// Written under a passing name and renamed at the end, so that a failed write never
-// leaves a half file under the real one.
-bool writewhole(const utf16& name, const std::string& bytes, bool pack) {
-  std::string packed;
-  if (pack && !gzipcompress(bytes, packed)) return !checkio(name, io_writeerror);
-  const std::string& body = pack ? packed : bytes;
-  const utf16 passing = name + ".part";
-  tfile f;
-  if (!writefile(f, passing, true)) return false;
-  println("Write file (" + name + ").");
-  const bool written = writeblock(f, body.data(), body.size());
-  if (!(closefile(f) && written)) {
-    std::remove(systempath(passing).c_str());
-    return false;
-  }
-  if (std::rename(systempath(passing).c_str(), systempath(name).c_str()) == 0) return true;
-  return !checkio(name, iocodefromerrno(errno, systempath(name)));
-}
 
 // Header, then the planes, written whole under the name: .hdr makes the pair.
 template <class F, class Planes>

@@ -12,6 +12,8 @@
 #include "formats/lineformats.h"
 #include "formats/meshfile.h"
 #include "formats/scalarfile.h"
+#include "formats/tensorfile.h"
+#include "formats/vectorfile.h"
 #include "script/run.h"
 #include "script/tscript.h"
 #include "script/variables.h"
@@ -50,8 +52,8 @@ std::string lineoutputs() { return "lines: " + lineoutputnote(); }
 constexpr tscriptoption inputoptions[] = {
     {"image.input", "image.input", "image.ppm", "image input file", nullptr, imageinputnote},
     {"scalar.input", "scalar.input", "scalar.nii.gz", "scalar field input file", nullptr, scalarinputnote},
-    {"vector.input", "vector.input", "vector.nii.gz", "vector field input file", "HDR, NII, gz NII, FLD, AM"},
-    {"tensor.input", "tensor.input", "tensor.nii.gz", "tensor field input file", "HDR, NII, gz NII, NHDR, NRRD"},
+    {"vector.input", "vector.input", "vector.nii.gz", "vector field input file", nullptr, vectorinputnote},
+    {"tensor.input", "tensor.input", "tensor.nii.gz", "tensor field input file", nullptr, tensorinputnote},
     {"mesh.input", "mesh.input", "input.obj", "mesh input file", nullptr, meshinputnote, lineinputs},
 };
 
@@ -67,8 +69,8 @@ constexpr tscriptoption transformoptions[] = {
 constexpr tscriptoption outputoptions[] = {
     {"image.type", "image.type", "png", "image output type", nullptr, imageoutputnote},
     {"scalar.type", "scalar.type", "nii.gz", "scalar field output type", nullptr, scalaroutputnote},
-    {"vector.type", "vector.type", "nii.gz", "vector field output type", "HDR, NII, gz NII, FLD, AM"},
-    {"tensor.type", "tensor.type", "nii.gz", "tensor field output type", "HDR, NII, gz NII, NHDR, NRRD"},
+    {"vector.type", "vector.type", "nii.gz", "vector field output type", nullptr, vectoroutputnote},
+    {"tensor.type", "tensor.type", "nii.gz", "tensor field output type", nullptr, tensoroutputnote},
     {"mesh.type", "mesh.type", "obj", "mesh output type", nullptr, meshoutputnote, lineoutputs},
 };
 

@@ -22,6 +22,8 @@ check_contains "$out" "*** press enter ***" "-? asks for enter"
 check_contains "$out" "  -image.input : image input file = image.ppm" "help line of a text option"
 check_contains "$out" "  +/-first : Write first macro file example = off" "help line of a boolean option"
 check_contains "$out" "      HDR, NII, gz NII, FLD, AM" "format notes in the help"
+check_contains "$out" "      HDR, NII, gz NII, NHDR, NRRD" "tensor output notes"
+check_contains "$out" "      HDR, NII, gz NII, TXT, image stacks with *" "vector input notes: what loads"
 out=$(printf '\n' | timeout 10 "$BIN" '-?'); rc=$?
 check_eq "$rc" 1 "-? waits for enter on a console, then ends with 1"
 
