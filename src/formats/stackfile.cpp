@@ -57,15 +57,18 @@ utf16 slicename(const utf16& name, int64_t z, int64_t count) {
 
 }  // namespace
 
-bool stackload(tscalarfield& f, uint8_t kind, const utf16& pattern, const tvector& scale) {
-  tfilelist files{};
+int64_t stackfiles(const utf16& pattern, tfilelist& files) {
   filelistnew(files, pattern);
   const int64_t n = filelistcount(files);
+  if (n < 1) println("Stack empty for files (" + pattern + ") .");
+  return n;
+}
+
+bool stackload(tscalarfield& f, uint8_t kind, const utf16& pattern, const tvector& scale) {
+  tfilelist files{};
+  const int64_t n = stackfiles(pattern, files);
   fieldcreate(f, kind);
-  if (n < 1) {
-    println("Stack empty for files (" + pattern + ") .");
-    return false;
-  }
+  if (n < 1) return false;
   println(stackline(kind) + nattext(n) + " images)");
   const uint8_t imagekind = kind == scalarfullgray ? imagefullgray : imagegray;
   tvector stackscale{1, 1, 1};

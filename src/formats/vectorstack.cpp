@@ -3,6 +3,7 @@
 #include "field/imagefield.h"
 #include "field/owned.h"
 #include "formats/imagefile.h"
+#include "formats/stackfile.h"
 #include "formats/vectorformats.h"
 #include "library/filelist.h"
 #include "script/values.h"
@@ -29,13 +30,9 @@ void putslice(tvectorfield& f, const timagefield& img, int64_t z) {
 
 bool rgbstackload(tvectorfield& f, uint8_t kind, const utf16& pattern) {
   tfilelist files{};
-  filelistnew(files, pattern);
-  const int64_t n = filelistcount(files);
+  const int64_t n = stackfiles(pattern, files);
   fieldcreate(f, kind);
-  if (n < 1) {
-    println("Stack empty for files (" + pattern + ") .");
-    return false;
-  }
+  if (n < 1) return false;
   println("  3DRGB (stack) with (" + nattext(n) + " images)");
   for (int64_t z = 1; z <= n; ++z) {
     tlocalfield<timagefield> slice;

@@ -1,28 +1,17 @@
 // Arbitrary bytes as mesh files under every reader's extension, plain and gzip-compressed:
 // header counts against the file's size, face counts, indices and numbers; what was read
 // then goes through the writers that check every index.
-#include <unistd.h>
-
 #include <cstdint>
-#include <fstream>
 #include <string>
 
 #include "base/gzip.h"
-#include "field/memory.h"
 #include "formats/meshfile.h"
-#include "shell/console.h"
+#include "fuzzfiles.h"
 
-namespace {
-void put(const std::string& name, const std::string& bytes) {
-  std::ofstream(name, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  consoleon = false;
-  interactive = false;
-  setfieldmemorylimit(int64_t{256} << 20);
-  const std::string base = "/tmp/fuzz_meshes_" + std::to_string(getpid());
+  fuzzquiet(int64_t{256} << 20);
+  const std::string base = fuzzbase("fuzz_meshes");
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   std::string packed;
   gzipcompress(bytes, packed, 1);

@@ -1,29 +1,17 @@
 // Arbitrary bytes as NIfTI volumes: the header checks, the size checks and the voxel
 // conversion into each kind, as a single file, gzip-compressed and as a .hdr/.img pair.
-#include <unistd.h>
-
 #include <cstdint>
-#include <fstream>
 #include <string>
 
-#include "field/memory.h"
 #include "base/gzip.h"
 #include "formats/nifti.h"
 #include "formats/niftiheader.h"
-#include "shell/console.h"
+#include "fuzzfiles.h"
 
-namespace {
-void put(const std::string& name, const std::string& bytes) {
-  std::ofstream(name, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  consoleon = false;
-  interactive = false;
-  // Zero fields of claimed sizes are allowed, but not beyond what a fuzzer can hold.
-  setfieldmemorylimit(int64_t{256} << 20);
-  const std::string base = "/tmp/fuzz_nifti_" + std::to_string(getpid());
+  fuzzquiet(int64_t{256} << 20);
+  const std::string base = fuzzbase("fuzz_nifti");
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   std::string packed;
   gzipcompress(bytes, packed, 1);

@@ -1,24 +1,16 @@
 // Arbitrary bytes as vector and tensor files: the NIfTI reader of both (single, gzip and
 // .hdr/.img pair) into each storage kind, the pair text reader, and the writers on whatever
 // small field came out. The first byte picks the kind; the rest is the file.
-#include <unistd.h>
-
 #include <cstdint>
-#include <fstream>
 #include <string>
 
 #include "base/gzip.h"
-#include "field/memory.h"
 #include "formats/tensorfile.h"
 #include "formats/vectorfile.h"
 #include "formats/vectornifti.h"
-#include "shell/console.h"
+#include "fuzzfiles.h"
 
 namespace {
-
-void put(const std::string& name, const std::string& bytes) {
-  std::ofstream(name, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
 
 // Every array of the kind has the field's size, or the field is empty.
 template <class F>
@@ -40,13 +32,10 @@ void saveall(const F& f, const std::string& base, Save save) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 1) return 0;
-  consoleon = false;
-  interactive = false;
-  // Zero fields of claimed sizes are allowed, but not beyond what a fuzzer can hold.
-  setfieldmemorylimit(int64_t{256} << 20);
+  fuzzquiet(int64_t{256} << 20);
   static const uint8_t kinds[] = {vectorfloat, vectorinteger, vectorrgb, 7};
   const uint8_t kind = kinds[data[0] % 4];
-  const std::string base = "/tmp/fuzz_vectorfiles_" + std::to_string(getpid());
+  const std::string base = fuzzbase("fuzz_vectorfiles");
   const std::string bytes(reinterpret_cast<const char*>(data + 1), size - 1);
   std::string packed;
   gzipcompress(bytes, packed, 1);

@@ -1,28 +1,16 @@
 // Arbitrary bytes as the device and foreign volume files: MIF, MIFX, PCR with their data
 // files, XML clips, Amira (also as a packed block behind a valid head), VTK, VGL, ARF and
 // raw, each read into every storage kind.
-#include <unistd.h>
-
 #include <cstdint>
-#include <fstream>
 #include <string>
 
-#include "field/memory.h"
 #include "formats/volumeformats.h"
-#include "shell/console.h"
+#include "fuzzfiles.h"
 
-namespace {
-void put(const std::string& name, const std::string& bytes) {
-  std::ofstream(name, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  consoleon = false;
-  interactive = false;
-  // Zero fields of claimed sizes are allowed, but not beyond what a fuzzer can hold.
-  setfieldmemorylimit(int64_t{32} << 20);
-  const std::string base = "/tmp/fuzz_volumes_" + std::to_string(getpid());
+  fuzzquiet(int64_t{32} << 20);
+  const std::string base = fuzzbase("fuzz_volumes");
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   // Text headers and their data files share the input: the first half heads, the rest is data.
   const std::string head = bytes.substr(0, size / 2), tail = bytes.substr(size / 2);
