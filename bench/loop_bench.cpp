@@ -46,11 +46,23 @@ std::string writetemp(const std::string& name, const std::string& bytes) {
   return path;
 }
 
-void BM_LoadAndRunMillionLines(benchmark::State& state) {
-  const std::string path = writetemp("million.macro", macrotext());
+// The console goes to /dev/null while a benchmark runs its macros.
+struct tmutedstdout {
   std::FILE* saved = stdout;
   std::FILE* sink = std::fopen("/dev/null", "w");
-  stdout = sink;
+  tmutedstdout() { stdout = sink; }
+  ~tmutedstdout() {
+    std::fflush(sink);
+    stdout = saved;
+    std::fclose(sink);
+  }
+  tmutedstdout(const tmutedstdout&) = delete;
+  tmutedstdout& operator=(const tmutedstdout&) = delete;
+};
+
+void BM_LoadAndRunMillionLines(benchmark::State& state) {
+  const std::string path = writetemp("million.macro", macrotext());
+  const tmutedstdout muted;
   for (auto _ : state) {
     tscript s;
     registerallcommands(s);
@@ -58,9 +70,6 @@ void BM_LoadAndRunMillionLines(benchmark::State& state) {
     runscript(s);
     benchmark::DoNotOptimize(s.line);
   }
-  std::fflush(sink);
-  stdout = saved;
-  std::fclose(sink);
   state.counters["lines/s"] = benchmark::Counter(static_cast<double>(macrolines), benchmark::Counter::kIsIterationInvariantRate);
 }
 BENCHMARK(BM_LoadAndRunMillionLines)->Unit(benchmark::kMillisecond)->Iterations(3);
@@ -150,9 +159,7 @@ double cpuseconds(int who) {
 
 void BM_Shape(benchmark::State& state, const tshape& shape) {
   const std::string path = writetemp(std::string(shape.name) + ".macro", "debug.no\n" + filledin(shape.macro, shape));
-  std::FILE* saved = stdout;
-  std::FILE* sink = std::fopen("/dev/null", "w");
-  stdout = sink;
+  const tmutedstdout muted;
   for (auto _ : state) {
     tscript s;
     registerallcommands(s);
@@ -162,9 +169,6 @@ void BM_Shape(benchmark::State& state, const tshape& shape) {
     seconds()[shape.name].voxmill = cpuseconds(RUSAGE_SELF) - from;
     seconds()[shape.name].passes = passes(shape);
   }
-  std::fflush(sink);
-  stdout = saved;
-  std::fclose(sink);
   state.counters["passes/s"] = benchmark::Counter(static_cast<double>(passes()), benchmark::Counter::kIsIterationInvariantRate);
 }
 

@@ -152,17 +152,23 @@ void selectcmd(tscript& s) {
   });
 }
 
+// The mask values from parameter `first` on: numbers and <lo, hi> ranges, each put in order.
+inline std::vector<std::pair<int64_t, int64_t>> maskranges(tscript& s, int64_t first) {
+  std::vector<std::pair<int64_t, int64_t>> ranges;
+  for (int64_t i = first; i <= paramcount(s); ++i) {
+    int64_t lo = 0, hi = 0;
+    cutrange(param(s, i), lo, hi);
+    ranges.emplace_back(std::min(lo, hi), std::max(lo, hi));
+  }
+  return ranges;
+}
+
 // old1, mask and the mask values that let old1 through: numbers and <lo, hi> ranges. The
 // mask is read as values (a colour as its sum); elsewhere the target stays.
 template <auto& W>
 void maskcmd(tscript& s) {
   if (!checkcount(s, {3, maxoperands})) return;
-  std::vector<std::pair<int64_t, int64_t>> ranges;
-  for (int64_t i = 3; i <= paramcount(s); ++i) {
-    int64_t lo = 0, hi = 0;
-    cutrange(param(s, i), lo, hi);
-    ranges.emplace_back(std::min(lo, hi), std::max(lo, hi));
-  }
+  const std::vector<std::pair<int64_t, int64_t>> ranges = maskranges(s, 3);
   auto c = combination<W>(s, 1, 2);
   if (!c) return;
   const int channels = targetchannels(c);

@@ -73,12 +73,7 @@ void meancmd(tscript& s) {
 // values or ranges; elsewhere the target stays.
 void maskcmd(tscript& s) {
   if (!checkcount(s, {3, maxoperands})) return;
-  std::vector<std::pair<int64_t, int64_t>> ranges;
-  for (int64_t i = 3; i <= paramcount(s); ++i) {
-    int64_t lo = 0, hi = 0;
-    cutrange(param(s, i), lo, hi);
-    ranges.emplace_back(std::min(lo, hi), std::max(lo, hi));
-  }
+  const std::vector<std::pair<int64_t, int64_t>> ranges = maskranges(s, 3);
   auto c = combination<W>(s, 1, 2);
   if (c) combinevectors(*c.target, c.operands, combinewords::masking, vectormath::masked{ranges});
 }

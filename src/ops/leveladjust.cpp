@@ -39,16 +39,6 @@ void countlevels(const A& a, tlevelhistogram& h) {
   for (int64_t i = 0; i < a.length; ++i) ++h[p[i]];
 }
 
-template <class A>
-void remaparray(A& a, const tleveltable& table) {
-  using T = typename A::elementtype;
-  std::vector<T> clipped(table.size());
-  for (size_t v = 0; v < table.size(); ++v) clipped[v] = toelement<T>(static_cast<double>(table[v]));
-  T* p = a.items();
-  for (int64_t i = 0; i < a.length; ++i) p[i] = clipped[p[i]];
-  a.sorted = false;
-}
-
 template <class F>
 tlevelhistogram histogramof(const F& f, int64_t top) {
   tlevelhistogram h;

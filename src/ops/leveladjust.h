@@ -40,6 +40,19 @@ tleveltable stretchtable(int64_t a, int64_t b, int64_t c, int64_t d, int64_t top
 void applytable(tscalarfield& f, const tleveltable& table);
 void applytable(timagefield& f, const tleveltable& table);
 
+// The array's levels through the table, each entry clipped to the element type once; an
+// empty table changes nothing.
+template <class A>
+void remaparray(A& a, const tleveltable& table) {
+  if (table.empty()) return;
+  using T = typename A::elementtype;
+  std::vector<T> clipped(table.size());
+  for (size_t v = 0; v < table.size(); ++v) clipped[v] = toelement<T>(static_cast<double>(table[v]));
+  T* p = a.items();
+  for (int64_t i = 0; i < a.length; ++i) p[i] = clipped[p[i]];
+  a.sorted = false;
+}
+
 // The stretch of the field's own occupied levels onto 0..top.
 void stretchoccupied(tscalarfield& f);
 void stretchoccupied(timagefield& f);

@@ -39,17 +39,6 @@ tlevelhistogram histogramof(const A& a, int64_t top) {
   return h;
 }
 
-template <class A>
-void remapped(A& a, const tleveltable& table) {
-  if (table.empty()) return;
-  using T = typename A::elementtype;
-  std::vector<T> clipped(table.size());
-  for (size_t v = 0; v < table.size(); ++v) clipped[v] = toelement<T>(static_cast<double>(table[v]));
-  T* p = a.items();
-  for (int64_t i = 0; i < a.length; ++i) p[i] = clipped[p[i]];
-  a.sorted = false;
-}
-
 double share(double s) { return s >= 0 && s <= 1 ? s : 0.006; }
 
 // Walks in from each end adding shares; the entries before the one at which the running
@@ -139,13 +128,13 @@ tleveltable maptable(int64_t top, auto level) {
 
 template <class F>
 void adjust(F& f, tlevelrule rule, const tlevelshares& shares) {
-  eachchannel(f, [&](auto& a, int64_t top) { remapped(a, ruletable(histogramof(a, top), top, rule, shares)); });
+  eachchannel(f, [&](auto& a, int64_t top) { remaparray(a, ruletable(histogramof(a, top), top, rule, shares)); });
 }
 
 template <class F>
 void setrange(F& f, int64_t lo, int64_t hi, int64_t n) {
   eachchannel(f, [&](auto& a, int64_t top) {
-    remapped(a, maptable(top, [&](int64_t i) { return i >= lo && i <= hi ? n : i; }));
+    remaparray(a, maptable(top, [&](int64_t i) { return i >= lo && i <= hi ? n : i; }));
   });
 }
 

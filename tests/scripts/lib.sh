@@ -14,4 +14,11 @@ script_part() { sed -n '/^Script runs\.\.\./,$p' | tr -d '\r'; }
 finish() { [ "$FAILS" -eq 0 ] && echo "all checks passed" || exit 1; }
 # The independent readers run under Debian's Python; a missing module is one failure.
 PY=/usr/bin/python3
+# A client test's round: CLIENTS makes the files and run.macro in $WORK, voxmill runs the
+# macro within $1 seconds (default 300).
+generate_and_run() {
+  "$PY" "$CLIENTS" generate "$WORK" 2>gen.err || fail "generating the files: $(head -5 gen.err)"
+  timeout "${1:-300}" "$BIN" -strict -macro=run.macro > console.txt 2>&1; local rc=$?
+  check_eq "$rc" 0 "voxmill ran the macro"
+}
 need_python() { "$PY" -c "import $1" 2>/dev/null || { fail "Python modules $1 are needed (tools/install-deps.sh installs them)"; finish; }; }

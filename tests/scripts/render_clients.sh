@@ -7,8 +7,6 @@ if ! "$PY" -c "import vtk, nibabel, PIL" 2>/dev/null; then
   fail "python3-vtk9, python3-nibabel and python3-pil are needed (tools/install-deps.sh)"
   finish
 fi
-"$PY" "$CLIENTS" generate "$WORK" 2>gen.err || fail "generating the files: $(head -5 gen.err)"
-timeout 300 "$BIN" -strict -macro=run.macro > console.txt 2>&1; rc=$?
-check_eq "$rc" 0 "voxmill ran the macro"
+generate_and_run
 out=$("$PY" "$CLIENTS" check "$WORK" 2>&1) || fail "$out"
 finish

@@ -10,9 +10,7 @@ if ! "$PY" -c "import nibabel, numpy, vtk" 2>/dev/null; then
   fail "python3-nibabel, python3-numpy and python3-vtk9 are needed (tools/install-deps.sh)"
   finish
 fi
-"$PY" "$CLIENTS" generate "$WORK" 2>gen.err || fail "generating the files: $(head -5 gen.err)"
-timeout 120 "$BIN" -strict -macro=run.macro > console.txt 2>&1; rc=$?
-check_eq "$rc" 0 "voxmill ran the macro"
+generate_and_run 120
 out=$("$PY" "$CLIENTS" check "$WORK" 2>&1) || fail "the files in voxmill:
 $out
 $(script_part < console.txt | head -80)"
