@@ -13,7 +13,7 @@ bool ascread(tmesh& m, const utf16& name) {
   if (linefileview(f, 1).substr(0, 10) == "NORM_ASCII") {
     double counts[2] = {};
     readnumbers(linefileview(f, 2), counts, 2);
-    const int64_t points = static_cast<int64_t>(counts[0]), faces = static_cast<int64_t>(counts[1]);
+    const int64_t points = meshindex(counts[0]), faces = meshindex(counts[1]);
     if (points < 0 || faces < 0 || points > lines || faces > lines - points) {
       linefilerelease(f);
       return false;
@@ -27,10 +27,9 @@ bool ascread(tmesh& m, const utf16& name) {
     for (int64_t i = 0; i < faces; ++i) {
       double v[5] = {};
       readnumbers(linefileview(f, 3 + points + i), v, 5);
-      const auto n = static_cast<int64_t>(v[0]);
+      const auto n = meshindex(v[0]);
       if (n != 3 && n != 4) continue;
-      std::array<int64_t, 4> c{static_cast<int64_t>(v[1]), static_cast<int64_t>(v[2]), static_cast<int64_t>(v[3]),
-                               n == 4 ? static_cast<int64_t>(v[4]) : 0};
+      std::array<int64_t, 4> c{meshindex(v[1]), meshindex(v[2]), meshindex(v[3]), n == 4 ? meshindex(v[4]) : 0};
       appendface(m, c);
     }
   } else {

@@ -17,7 +17,7 @@ std::array<int64_t, 3> cornerindices(std::string_view token) {
     const size_t slash = token.find('/');
     const std::string_view part = token.substr(0, slash);
     double v = 0;
-    if (!part.empty() && readnumbers(part, &v, 1)) out[k] = static_cast<int64_t>(v);
+    if (!part.empty() && readnumbers(part, &v, 1)) out[k] = meshindex(v);
     if (slash == std::string_view::npos) break;
     token.remove_prefix(slash + 1);
   }

@@ -206,7 +206,7 @@ bool readbinary(tmesh& m, const tplyheader& h, std::string_view data) {
   }
   for (int64_t i = 0; i < h.faces; ++i) {
     if (end - p < cs) return false;
-    const auto count = static_cast<int64_t>(readscalar(p, h.countype, h.big));
+    const auto count = meshindex(readscalar(p, h.countype, h.big));
     p += cs;
     if (count != 3 && count != 4) return takeface(m, count, nullptr);
     if (end - p < count * is) {
@@ -214,7 +214,7 @@ bool readbinary(tmesh& m, const tplyheader& h, std::string_view data) {
       return false;
     }
     int64_t idx[4];
-    for (int64_t k = 0; k < count; ++k, p += is) idx[k] = static_cast<int64_t>(readscalar(p, h.indextype, h.big));
+    for (int64_t k = 0; k < count; ++k, p += is) idx[k] = meshindex(readscalar(p, h.indextype, h.big));
     if (!takeface(m, count, idx)) return false;
   }
   return true;
@@ -236,9 +236,8 @@ bool readascii(tmesh& m, const tplyheader& h, tlinefile& f) {
   for (int64_t i = 0; i < h.faces; ++i, ++line) {
     double n[5] = {};
     readnumbers(linefileview(f, line), n, 5);
-    const int64_t idx[4] = {static_cast<int64_t>(n[1]), static_cast<int64_t>(n[2]), static_cast<int64_t>(n[3]),
-                            static_cast<int64_t>(n[4])};
-    if (!takeface(m, static_cast<int64_t>(n[0]), idx)) return false;
+    const int64_t idx[4] = {meshindex(n[1]), meshindex(n[2]), meshindex(n[3]), meshindex(n[4])};
+    if (!takeface(m, meshindex(n[0]), idx)) return false;
   }
   return true;
 }

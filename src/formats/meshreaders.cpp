@@ -102,8 +102,8 @@ bool readnodes(tmesh& m, const utf16& name, const char* word, bool povform) {
     if (povform) {
       if (!idx.empty()) idx.erase(idx.begin());
       for (size_t i = 0; i + 2 < idx.size(); i += 3)
-        appendface(m, {base + 1 + static_cast<int64_t>(idx[i]), base + 1 + static_cast<int64_t>(idx[i + 1]),
-                       base + 1 + static_cast<int64_t>(idx[i + 2]), 0});
+        appendface(m, {base + 1 + meshindex(idx[i]), base + 1 + meshindex(idx[i + 1]),
+                       base + 1 + meshindex(idx[i + 2]), 0});
       continue;
     }
     std::array<int64_t, 4> c{};
@@ -114,7 +114,7 @@ bool readnodes(tmesh& m, const utf16& name, const char* word, bool povform) {
         c = {};
         k = 0;
       } else if (k < 4) {
-        c[k++] = base + 1 + static_cast<int64_t>(v);
+        c[k++] = base + 1 + meshindex(v);
       }
     }
   }
@@ -161,7 +161,7 @@ bool anysurfread(tmesh& m, const utf16& name) {
   double counts[2] = {};
   readnumbers(linefileview(f, 3), counts, 2);
   const int64_t lines = linefilecount(f);
-  const auto points = static_cast<int64_t>(counts[0]), faces = static_cast<int64_t>(counts[1]);
+  const auto points = meshindex(counts[0]), faces = meshindex(counts[1]);
   int64_t line = 4;
   for (int64_t i = 0; i < points && line <= lines; ++line) {
     const std::string_view l = linefileview(f, line);
@@ -176,7 +176,7 @@ bool anysurfread(tmesh& m, const utf16& name) {
     if (l.size() < 2) continue;
     double v[3] = {};
     readnumbers(l, v, 3);
-    appendface(m, {static_cast<int64_t>(v[0]), static_cast<int64_t>(v[1]), static_cast<int64_t>(v[2]), 0});
+    appendface(m, {meshindex(v[0]), meshindex(v[1]), meshindex(v[2]), 0});
     ++i;
   }
   linefilerelease(f);

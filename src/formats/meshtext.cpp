@@ -1,5 +1,6 @@
 #include "formats/meshtext.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -34,6 +35,8 @@ int readnumbers(std::string_view text, double* out, int n) {
   }
   return found;
 }
+
+int64_t meshindex(double v) { return truncnat(std::clamp(v, -1e15, 1e15)); }
 
 int64_t readcount(std::string_view text) {
   size_t i = 0;

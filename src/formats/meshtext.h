@@ -15,6 +15,9 @@
 int readnumbers(std::string_view text, double* out, int n);
 // A whole count: -1 when the text holds none or it is not a sane count.
 int64_t readcount(std::string_view text);
+// A point or face number read as a real: toward zero, NaN as 0, and held within +-1e15 so
+// that adding an object's base to it cannot overflow.
+int64_t meshindex(double v);
 
 // The program's real text with '.' (digits = 0), or rounded to digits - 1 decimals.
 void appendreal(std::string& out, double x, int64_t digits = 0);

@@ -5,6 +5,7 @@
 #include "base/linefile.h"
 #include "formats/volumeformats.h"
 #include "formats/volumeload.h"
+#include "script/values.h"
 #include "shell/files.h"
 
 bool pcrload(tscalarfield& f, uint8_t kind, const utf16& name) {
@@ -32,7 +33,7 @@ bool pcrload(tscalarfield& f, uint8_t kind, const utf16& name) {
     }
     if (taken) continue;
     if (has("voxelsizerec")) scale = {value, value, value};
-    else if (has("format")) format = static_cast<int64_t>(value);
+    else if (has("format")) format = truncnat(value);
   }
   linefilerelease(text);
   if (format != 5) return volumefail(f, kind, "  Wrong bit depth (" + nattext(format) + ")! Create empty field.");

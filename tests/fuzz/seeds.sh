@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Writes the starting inputs of fuzz target $1 into directory $2: small valid files of what
-# it reads, and the damaged files of tests/data/hostile. A target without seeds starts empty.
+# it reads, the damaged files of tests/data/hostile, and the inputs that once broke it
+# (tests/fuzz/regressions/$1). A target without seeds starts empty.
 set -euo pipefail
 root="$(cd "$(dirname "$0")/../.." && pwd)"
 out=$2
+if [ -d "$root/tests/fuzz/regressions/$1" ]; then cp "$root/tests/fuzz/regressions/$1"/* "$out/"; fi
 case "$1" in
   fuzz_macro)
     for m in $(find "$root/tests/macro" -name '*.macro' -size -3k); do
