@@ -1,6 +1,9 @@
 #include "geometry/cloudbuild.h"
 
+#include <algorithm>
 #include <cmath>
+
+#include <sys/mman.h>
 
 void addpoint(tcloud& c, const tcloudpoint& p) {
   if (!c.lineopen) {
@@ -20,12 +23,17 @@ void closeline(tcloud& c, int64_t tag) {
   c.lineopen = false;
 }
 
-void addlines(tcloud& c, std::span<const tcloudpoint> points, std::span<const tlineentry> lines) {
-  const int64_t base = c.points.length, n = static_cast<int64_t>(points.size());
+namespace {
+
+// Grows the point list by n, filled by fill(first index), then registers the lines.
+template <class Fill>
+void appendlines(tcloud& c, int64_t n, std::span<const tlineentry> lines, Fill fill) {
+  const int64_t base = c.points.length;
   if (n < 1) return;
   c.points.grow(n);
   if (c.points.length != base + n) return;  // the allocator said why
-  for (int64_t i = 0; i < n; ++i) c.points.put(base + 1 + i, points[static_cast<size_t>(i)]);
+  fill(base + 1);
+  c.points.sorted = false;
   int64_t first = base + 1;
   for (const tlineentry& l : lines) {
     if (l.count < 1) continue;
@@ -38,6 +46,32 @@ void addlines(tcloud& c, std::span<const tcloudpoint> points, std::span<const tl
     c.lineopen = false;
     first += l.count;
   }
+}
+
+}  // namespace
+
+void addlines(tcloud& c, std::span<const tcloudpoint> points, std::span<const tlineentry> lines) {
+  appendlines(c, static_cast<int64_t>(points.size()), lines,
+              [&](int64_t first) { std::copy(points.begin(), points.end(), c.points.items() + (first - 1)); });
+}
+
+void tpointblocks::next() {
+  void* block = ::operator new(blocksize * sizeof(tcloudpoint), blockalign);
+  blocks.emplace_back(static_cast<tcloudpoint*>(block));
+  // a hint: one fault per block instead of one per 4 KiB page
+  madvise(block, blocksize * sizeof(tcloudpoint), MADV_HUGEPAGE);
+  fill = 0;
+}
+
+int64_t tpointblocks::count() const {
+  return blocks.empty() ? 0 : static_cast<int64_t>((blocks.size() - 1) * blocksize + fill);
+}
+
+void tpointblocks::addto(tcloud& c, std::span<const tlineentry> lines) const {
+  appendlines(c, count(), lines, [&](int64_t first) {
+    tcloudpoint* to = c.points.items() + (first - 1);
+    for (size_t b = 0; b < blocks.size(); ++b) to = std::copy_n(blocks[b].get(), b + 1 < blocks.size() ? blocksize : fill, to);
+  });
 }
 
 void closeobject(tcloud& c, const utf16& name) {

@@ -3,7 +3,10 @@
 #pragma once
 #include <array>
 #include <cstdint>
+#include <memory>
+#include <new>
 #include <span>
+#include <vector>
 
 #include "field/cloud.h"
 
@@ -20,6 +23,30 @@ struct tlineentry {
   int64_t count, tag;
 };
 void addlines(tcloud& c, std::span<const tcloudpoint> points, std::span<const tlineentry> lines);
+
+// Points gathered for addlines by a run of unknown length, in blocks that never move: while
+// it grows nothing is copied and no block is held twice, as a doubling list would.
+class tpointblocks {
+ public:
+  void add(const tcloudpoint& p) {
+    if (fill == blocksize) next();
+    blocks.back()[fill++] = p;
+  }
+  int64_t count() const;
+  // Lines over all blocks, as addlines would add them from one list.
+  void addto(tcloud& c, std::span<const tlineentry> lines) const;
+
+ private:
+  // 2 MiB blocks on 2 MiB boundaries, so that each can be one huge page
+  static constexpr size_t blocksize = size_t{1} << 16;
+  static constexpr std::align_val_t blockalign{blocksize * sizeof(tcloudpoint)};
+  struct tblockfree {
+    void operator()(tcloudpoint* p) const { ::operator delete(p, blockalign); }
+  };
+  std::vector<std::unique_ptr<tcloudpoint[], tblockfree>> blocks;
+  size_t fill = blocksize;
+  void next();
+};
 
 // The 1-based range of points of line l, first..last (last < first for an empty line).
 struct tlinerange {

@@ -153,7 +153,7 @@ void run(const V& vol, const tvectorfield& f, const tstreamsettings& s, const ts
   auto local = [&](const tvector& p) { return globaltolocal(f.space, p); };
   int64_t seedcount = 0, found = 0;
   std::vector<tvector> line;
-  std::vector<tcloudpoint> stored;  // the run's lines, added to the cloud at the end
+  tpointblocks stored;  // the run's lines, added to the cloud at the end
   std::vector<tlineentry> storedlines;
   tnatvector c;
   while (seeds(c)) {
@@ -185,12 +185,12 @@ void run(const V& vol, const tvectorfield& f, const tstreamsettings& s, const ts
         for (size_t i = 0; i < line.size(); ++i) countline(*scalar, local(line[i ? i - 1 : 0]), local(line[i]));
       continue;
     }
-    for (const tvector& p : line) stored.push_back({p[0], p[1], p[2], 0});
+    for (const tvector& p : line) stored.add({p[0], p[1], p[2], 0});
     storedlines.push_back({static_cast<int64_t>(line.size()), seedcount});
   }
   if (job.nodes) return;
   if (found < 1) return println("  Found 0 (0%) streamlines from seeds.");
-  addlines(out, stored, storedlines);
+  stored.addto(out, storedlines);
   closeobject(out, "Streamlines");
   out.frameoffset = f.space.offset;
   out.framescale = axisscales(f.space);
