@@ -56,11 +56,11 @@ void addlines(tcloud& c, std::span<const tcloudpoint> points, std::span<const tl
 }
 
 void tpointblocks::next() {
-  void* block = ::operator new(blocksize * sizeof(tcloudpoint), blockalign);
-  blocks.emplace_back(static_cast<tcloudpoint*>(block));
-  // a hint: one fault per block instead of one per 4 KiB page
-  madvise(block, blocksize * sizeof(tcloudpoint), MADV_HUGEPAGE);
+  void* block = ::operator new(blockbytes, std::align_val_t{blockbytes});
+  blocks.emplace_back(static_cast<tvector*>(block));
   fill = 0;
+  // a hint: one fault per block instead of one per 4 KiB page
+  madvise(block, blockbytes, MADV_HUGEPAGE);
 }
 
 int64_t tpointblocks::count() const {
@@ -70,7 +70,10 @@ int64_t tpointblocks::count() const {
 void tpointblocks::addto(tcloud& c, std::span<const tlineentry> lines) const {
   appendlines(c, count(), lines, [&](int64_t first) {
     tcloudpoint* to = c.points.items() + (first - 1);
-    for (size_t b = 0; b < blocks.size(); ++b) to = std::copy_n(blocks[b].get(), b + 1 < blocks.size() ? blocksize : fill, to);
+    for (size_t b = 0; b < blocks.size(); ++b) {
+      const tvector* from = blocks[b].get();
+      for (size_t i = 0, n = b + 1 < blocks.size() ? blocksize : fill; i < n; ++i) *to++ = {from[i][0], from[i][1], from[i][2], 0};
+    }
   });
 }
 

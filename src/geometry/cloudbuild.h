@@ -24,11 +24,12 @@ struct tlineentry {
 };
 void addlines(tcloud& c, std::span<const tcloudpoint> points, std::span<const tlineentry> lines);
 
-// Points gathered for addlines by a run of unknown length, in blocks that never move: while
-// it grows nothing is copied and no block is held twice, as a doubling list would.
+// Points (x, y, z; t is 0) gathered for addlines by a run of unknown length, in blocks that
+// never move: while it grows nothing is copied and no block is held twice, as a doubling
+// list would.
 class tpointblocks {
  public:
-  void add(const tcloudpoint& p) {
+  void add(const tvector& p) {
     if (fill == blocksize) next();
     blocks.back()[fill++] = p;
   }
@@ -38,12 +39,12 @@ class tpointblocks {
 
  private:
   // 2 MiB blocks on 2 MiB boundaries, so that each can be one huge page
-  static constexpr size_t blocksize = size_t{1} << 16;
-  static constexpr std::align_val_t blockalign{blocksize * sizeof(tcloudpoint)};
+  static constexpr size_t blockbytes = size_t{2} << 20;
+  static constexpr size_t blocksize = blockbytes / sizeof(tvector);
   struct tblockfree {
-    void operator()(tcloudpoint* p) const { ::operator delete(p, blockalign); }
+    void operator()(tvector* p) const { ::operator delete(p, std::align_val_t{blockbytes}); }
   };
-  std::vector<std::unique_ptr<tcloudpoint[], tblockfree>> blocks;
+  std::vector<std::unique_ptr<tvector[], tblockfree>> blocks;
   size_t fill = blocksize;
   void next();
 };

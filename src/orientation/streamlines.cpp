@@ -185,7 +185,7 @@ void run(const V& vol, const tvectorfield& f, const tstreamsettings& s, const ts
         for (size_t i = 0; i < line.size(); ++i) countline(*scalar, local(line[i ? i - 1 : 0]), local(line[i]));
       continue;
     }
-    for (const tvector& p : line) stored.add({p[0], p[1], p[2], 0});
+    for (const tvector& p : line) stored.add(p);
     storedlines.push_back({static_cast<int64_t>(line.size()), seedcount});
   }
   if (job.nodes) return;
