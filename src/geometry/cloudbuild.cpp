@@ -67,14 +67,18 @@ int64_t tpointblocks::count() const {
   return blocks.empty() ? 0 : static_cast<int64_t>((blocks.size() - 1) * blocksize + fill);
 }
 
-void tpointblocks::addto(tcloud& c, std::span<const tlineentry> lines) const {
+void tpointblocks::moveto(tcloud& c, std::span<const tlineentry> lines) {
   appendlines(c, count(), lines, [&](int64_t first) {
     tcloudpoint* to = c.points.items() + (first - 1);
     for (size_t b = 0; b < blocks.size(); ++b) {
-      const tvector* from = blocks[b].get();
+      tvector* from = blocks[b].get();
       for (size_t i = 0, n = b + 1 < blocks.size() ? blocksize : fill; i < n; ++i) *to++ = {from[i][0], from[i][1], from[i][2], 0};
+      // its pages go back now, to serve the faults of the cloud's next pages
+      madvise(from, blockbytes, MADV_DONTNEED);
     }
   });
+  blocks.clear();
+  fill = blocksize;
 }
 
 void closeobject(tcloud& c, const utf16& name) {

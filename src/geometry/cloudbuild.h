@@ -34,8 +34,9 @@ class tpointblocks {
     blocks.back()[fill++] = p;
   }
   int64_t count() const;
-  // Lines over all blocks, as addlines would add them from one list.
-  void addto(tcloud& c, std::span<const tlineentry> lines) const;
+  // Lines over all blocks, as addlines would add them from one list. The blocks are
+  // given back as they are copied, so that the points are never held twice, and empty.
+  void moveto(tcloud& c, std::span<const tlineentry> lines);
 
  private:
   // 2 MiB blocks on 2 MiB boundaries, so that each can be one huge page

@@ -190,7 +190,7 @@ void run(const V& vol, const tvectorfield& f, const tstreamsettings& s, const ts
   }
   if (job.nodes) return;
   if (found < 1) return println("  Found 0 (0%) streamlines from seeds.");
-  stored.addto(out, storedlines);
+  stored.moveto(out, storedlines);
   closeobject(out, "Streamlines");
   out.frameoffset = f.space.offset;
   out.framescale = axisscales(f.space);
