@@ -70,13 +70,20 @@ tseedsource maskedseeds(tseedsource inner, const tscalarfield& mask, std::vector
   };
 }
 
+namespace {
+
+template <class V>
+bool zeroat(const V& vol, const tnatvector& c) {
+  if (!vol.inside(c[0], c[1], c[2])) return true;
+  const auto v = vol.get(c[0], c[1], c[2]);
+  return v[0] == 0 && v[1] == 0 && v[2] == 0;
+}
+
+}  // namespace
+
 bool zerovectorat(const tvectorfield& f, const tnatvector& c) {
   bool zero = true;
-  eachstorage(f, [&](const auto& vol) {
-    if (!vol.inside(c[0], c[1], c[2])) return;
-    const auto v = vol.get(c[0], c[1], c[2]);
-    zero = v[0] == 0 && v[1] == 0 && v[2] == 0;
-  });
+  eachstorage(f, [&](const auto& vol) { zero = zeroat(vol, c); });
   return zero;
 }
 
@@ -157,7 +164,7 @@ void run(const V& vol, const tvectorfield& f, const tstreamsettings& s, const ts
   std::vector<tlineentry> storedlines;
   tnatvector c;
   while (seeds(c)) {
-    if (zerovectorat(f, c) != (job.test == tseedtest::zerovector)) continue;
+    if (zeroat(vol, c) != (job.test == tseedtest::zerovector)) continue;
     ++seedcount;
     if (s.seeds > 0 && visited.any(c, seedmargin)) continue;
     tracer.init(localtoglobal(f.space, {static_cast<double>(c[0]), static_cast<double>(c[1]), static_cast<double>(c[2])}));
