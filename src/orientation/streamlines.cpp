@@ -159,7 +159,6 @@ void run(const V& vol, const tvectorfield& f, const tstreamsettings& s, const ts
   const int64_t snakemargin = s.snakes >= 2 ? s.snakes - 1 : 0;
   auto local = [&](const tvector& p) { return globaltolocal(f.space, p); };
   int64_t seedcount = 0, found = 0;
-  std::vector<tvector> line;
   tpointblocks stored;  // the run's lines, added to the cloud at the end
   std::vector<tlineentry> storedlines;
   tnatvector c;
@@ -181,19 +180,31 @@ void run(const V& vol, const tvectorfield& f, const tstreamsettings& s, const ts
       cut(front);
       cut(back);
     }
-    line.assign(back.rbegin(), back.rend());
-    line.insert(line.end(), front.begin(), front.end());
-    if (s.seeds != 0 && visited.used && !line.empty()) {
-      if (line.size() == 1) visited.bits.putchecked(local(line[0])[0], local(line[0])[1], local(line[0])[2], true);
-      for (size_t i = 1; i < line.size(); ++i) visited.bits.line(local(line[i - 1]), local(line[i]), true);
-    }
+    // the line in stored order: back reversed, then front
+    const auto eachpoint = [&](auto visit) {
+      for (auto p = back.rbegin(); p != back.rend(); ++p) visit(*p);
+      for (const tvector& p : front) visit(p);
+    };
+    const size_t count = back.size() + front.size();
+    // each point's voxel with the one before (itself for the first)
+    const auto eachstep = [&](auto visit) {
+      tnatvector before{};
+      bool first = true;
+      eachpoint([&](const tvector& p) {
+        const tnatvector at = local(p);
+        visit(first ? at : before, at);
+        before = at;
+        first = false;
+      });
+    };
+    // marked from voxel to voxel; the first step from a voxel to itself marks a line of one point
+    if (s.seeds != 0 && visited.used) eachstep([&](const tnatvector& from, const tnatvector& to) { visited.bits.line(from, to, true); });
     if (job.nodes) {
-      if (scalar)
-        for (size_t i = 0; i < line.size(); ++i) countline(*scalar, local(line[i ? i - 1 : 0]), local(line[i]));
+      if (scalar) eachstep([&](const tnatvector& from, const tnatvector& to) { countline(*scalar, from, to); });
       continue;
     }
-    for (const tvector& p : line) stored.add(p);
-    storedlines.push_back({static_cast<int64_t>(line.size()), seedcount});
+    eachpoint([&](const tvector& p) { stored.add(p); });
+    storedlines.push_back({static_cast<int64_t>(count), seedcount});
   }
   if (job.nodes) return;
   if (found < 1) return println("  Found 0 (0%) streamlines from seeds.");
