@@ -47,6 +47,7 @@ class ttracer {
   const tspatial& space;
   const tstreamlimits& lim;
   const double stopcosine = std::cos(lim.stopangle);
+  const tanglelimit thinning = anglelimit(lim.angles);
 
   // A global point in local voxel coordinates.
   tvector local(const tvector& p) const {
@@ -123,7 +124,7 @@ class ttracer {
     if (moved) {
       if (lim.angles <= 0) {
         h.list.push_back(p);
-      } else if (vectorangle(added(q, scaled(h.last, -1)), added(p, scaled(q, -1))) > lim.angles) {
+      } else if (anglebeyond(added(q, scaled(h.last, -1)), added(p, scaled(q, -1)), thinning)) {
         h.list.push_back(p);
         h.last = p;
       }
