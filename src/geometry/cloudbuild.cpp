@@ -1,6 +1,5 @@
 #include "geometry/cloudbuild.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include <sys/mman.h>
@@ -23,38 +22,6 @@ void closeline(tcloud& c, int64_t tag) {
   c.lineopen = false;
 }
 
-namespace {
-
-// Grows the point list by n, filled by fill(first index), then registers the lines.
-template <class Fill>
-void appendlines(tcloud& c, int64_t n, std::span<const tlineentry> lines, Fill fill) {
-  const int64_t base = c.points.length;
-  if (n < 1) return;
-  c.points.grow(n);
-  if (c.points.length != base + n) return;  // the allocator said why
-  fill(base + 1);
-  c.points.sorted = false;
-  int64_t first = base + 1;
-  for (const tlineentry& l : lines) {
-    if (l.count < 1) continue;
-    if (!c.objectopen) {
-      c.objectstarts.add(c.linestarts.length + 1);
-      c.objectopen = true;
-    }
-    if (!c.lineopen) c.linestarts.add(first);  // else the points go on an open line
-    c.linetags.add(l.tag);
-    c.lineopen = false;
-    first += l.count;
-  }
-}
-
-}  // namespace
-
-void addlines(tcloud& c, std::span<const tcloudpoint> points, std::span<const tlineentry> lines) {
-  appendlines(c, static_cast<int64_t>(points.size()), lines,
-              [&](int64_t first) { std::copy(points.begin(), points.end(), c.points.items() + (first - 1)); });
-}
-
 void tpointblocks::next() {
   void* block = ::operator new(blockbytes, std::align_val_t{blockbytes});
   blocks.emplace_back(static_cast<tvector*>(block));
@@ -68,17 +35,32 @@ int64_t tpointblocks::count() const {
 }
 
 void tpointblocks::moveto(tcloud& c, std::span<const tlineentry> lines) {
-  appendlines(c, count(), lines, [&](int64_t first) {
-    tcloudpoint* to = c.points.items() + (first - 1);
-    for (size_t b = 0; b < blocks.size(); ++b) {
-      tvector* from = blocks[b].get();
-      for (size_t i = 0, n = b + 1 < blocks.size() ? blocksize : fill; i < n; ++i) *to++ = {from[i][0], from[i][1], from[i][2], 0};
-      // its pages go back now, to serve the faults of the cloud's next pages
-      madvise(from, blockbytes, MADV_DONTNEED);
-    }
-  });
+  const int64_t base = c.points.length, n = count();
+  if (n < 1) return;
+  c.points.grow(n);
+  if (c.points.length != base + n) return;  // the allocator said why
+  tcloudpoint* to = c.points.items() + base;
+  for (size_t b = 0; b < blocks.size(); ++b) {
+    tvector* from = blocks[b].get();
+    for (size_t i = 0, k = b + 1 < blocks.size() ? blocksize : fill; i < k; ++i) *to++ = {from[i][0], from[i][1], from[i][2], 0};
+    // its pages go back now, to serve the faults of the cloud's next pages
+    madvise(from, blockbytes, MADV_DONTNEED);
+  }
   blocks.clear();
   fill = blocksize;
+  c.points.sorted = false;
+  int64_t first = base + 1;
+  for (const tlineentry& l : lines) {
+    if (l.count < 1) continue;
+    if (!c.objectopen) {
+      c.objectstarts.add(c.linestarts.length + 1);
+      c.objectopen = true;
+    }
+    if (!c.lineopen) c.linestarts.add(first);  // else the points go on an open line
+    c.linetags.add(l.tag);
+    c.lineopen = false;
+    first += l.count;
+  }
 }
 
 void closeobject(tcloud& c, const utf16& name) {

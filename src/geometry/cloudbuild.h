@@ -16,15 +16,12 @@ void addpoint(tcloud& c, const tcloudpoint& p);
 void closeline(tcloud& c, int64_t tag);
 void closeobject(tcloud& c, const utf16& name);
 
-// Closed lines in one go, as addpoint and closeline would add them: all points, then the
-// point count and tag of each line. The point list grows once, where point by point a
-// long run climbs its growth ladder again and again. Lines of no points are passed over.
+// The length and tag of one closed line.
 struct tlineentry {
   int64_t count, tag;
 };
-void addlines(tcloud& c, std::span<const tcloudpoint> points, std::span<const tlineentry> lines);
 
-// Points (x, y, z; t is 0) gathered for addlines by a run of unknown length, in blocks that
+// Points (x, y, z; t is 0) of lines gathered by a run of unknown length, in blocks that
 // never move: while it grows nothing is copied and no block is held twice, as a doubling
 // list would.
 class tpointblocks {
@@ -34,8 +31,10 @@ class tpointblocks {
     blocks.back()[fill++] = p;
   }
   int64_t count() const;
-  // Lines over all blocks, as addlines would add them from one list. The blocks are
-  // given back as they are copied, so that the points are never held twice, and empty.
+  // The closed lines in one go, as addpoint and closeline would add them: the point list
+  // grows once, where point by point a long run climbs its growth ladder again and again.
+  // Lines of no points are passed over. Each block is given back once it is copied, so
+  // that the points are never held twice; the blocks are empty afterwards.
   void moveto(tcloud& c, std::span<const tlineentry> lines);
 
  private:
