@@ -342,7 +342,7 @@ TEST_F(Values, SizeText) {
   EXPECT_EQ(str(sizetext(5000000000000000)), "5 P");
 }
 
-// --- rounding and positions -------------------------------------------------------------
+// --- rounding (positions along an axis: spatial_test) -----------------------------------
 
 TEST_F(Values, RoundingToNats) {
   EXPECT_EQ(roundnat(2.5), 2);
@@ -354,32 +354,6 @@ TEST_F(Values, RoundingToNats) {
   EXPECT_EQ(truncnat(2.9), 2);
   EXPECT_EQ(truncnat(-2.9), -2);
   EXPECT_EQ(truncnat(HUGE_VAL), maxnat);
-}
-
-TEST_F(Values, AbsolutePositions) {
-  EXPECT_EQ(position(1, 10), 1);
-  EXPECT_EQ(position(3.5, 10), 4);
-  EXPECT_EQ(position(2.5, 10), 2);
-  EXPECT_EQ(position(-1, 10), 10);  // counted from the end
-  EXPECT_EQ(position(-3, 10), 8);
-}
-
-TEST_F(Values, RelativePositions) {
-  EXPECT_EQ(position(0, 10), 5);  // round(4.5) is 4
-  EXPECT_EQ(position(0, 11), 6);
-  EXPECT_EQ(position(0.25, 5), 2);
-  EXPECT_EQ(position(0.99999, 10), 10);
-  EXPECT_EQ(position(0.00001, 10), 1);
-  EXPECT_EQ(position(-0.25, 5), 4);
-  EXPECT_EQ(position(-0.99999, 10), 1);
-}
-
-TEST_F(Values, PositionsOutsideTheAxisFallBackToTheMiddle) {
-  EXPECT_EQ(position(11, 10), 5);
-  EXPECT_EQ(position(-11, 10), 5);
-  EXPECT_EQ(position(0.7, 1), 1);
-  EXPECT_EQ(position(5, 0), 0);
-  EXPECT_EQ(position(std::nan(""), 10), 5);
 }
 
 }  // namespace
