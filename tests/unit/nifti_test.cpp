@@ -226,15 +226,7 @@ TEST_F(Nifti, ShortDataGivesAZeroFieldOfTheClaimedSize) {
   EXPECT_TRUE(said("  Calculated type (bytes):1.25"));
 }
 
-// Other readers scale the third quaternion axis by qfac (pixdim[0]); files of this
-// program's users expect qform_code there.
-TEST_F(Nifti, DeviationQformCodeMultipliesTheThirdAxisInsteadOfQfac) {
-  tniftiheader h = header(2, 8, 1, 1, 1);
-  h.pixdim[0] = -1;
-  h.qform_code = 2;
-  const tspatial s = headerspace(h);
-  EXPECT_EQ(s.matrix, (trows{tvector{1, 0, 0}, tvector{0, 1, 0}, tvector{0, 0, 2}}));
-}
+// The third quaternion axis scaled by qform_code instead of qfac: nifti_clients.py.
 
 // The quaternion written is taken from the product of the diagonal, not the trace, and
 // without dividing the voxel size out: it matches the published formula only for unit
