@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "script/echo.h"
@@ -146,6 +147,48 @@ void store(tscript& s) {
   if (!empty(target) && !s.halted) setvar(s, target, s.result.get());
 }
 
+bool hasat(const utf16& text) { return poschar('@', text) > 0; }
+
+// What of "target op rest" holds while the line and the members stay as they are. A text
+// with "@" changes with the variables, an element target reads the old value, and a ":="
+// before a function calls it: those take the general way.
+void compile(tscript& s, const tstatement& st, tcompiledassignment& c) {
+  c = tcompiledassignment();
+  c.memberrevision = s.memberindex.revision;
+  utf16 rest = st.rest;
+  c.op = cutword(rest, " ");
+  c.target = st.keyword;
+  if (hasat(c.target) || hasat(rest) || charat(c.target, length(c.target)) == ']') return;
+  if (equalutf8(c.op, ":=")) {
+    rest = trimblanks(rest);
+    const utf16 word = cutword(rest, " ");
+    if (isregistered(s, lower(word), tlookup::function)) return;
+    rest = empty(rest) ? word : word + " " + rest;
+    c.plainassign = true;
+  } else {
+    for (const toperatorrow& row : operators)
+      if (equalutf8(c.op, row.op)) c.apply = row.apply;
+  }
+  c.paramtext = rest;
+  c.targetismember = ismember(s, c.target);
+  c.simple = cutparams(s, rest, c.words, c.kinds);
+}
+
+// The store of the general way, with the member test made once, while the target is the
+// first word as the handlers left it.
+void storecompiled(tscript& s, const tcompiledassignment& c) {
+  if (s.halted || !s.target.second.lo.empty() || !equal(s.target.first, c.target)) {
+    store(s);
+    return;
+  }
+  if (empty(c.target)) return;
+  if (c.targetismember) {
+    reporterror(s, utf16("overloaded identifier: ") + c.target);
+    return;
+  }
+  storevariable(s, c.target, s.result.second.lo.empty() ? s.result.first : s.result.get());
+}
+
 }  // namespace
 
 void varstatement(tscript& s, const utf16& keyword, const utf16& rest) {
@@ -222,4 +265,30 @@ void assignment(tscript& s, const utf16& firstword, const utf16& restline) {
   s.result.set(value);
   echoassign(s, s.target.get(), op, value);
   store(s);
+}
+
+void assignment(tscript& s, tstatement& st) {
+  if (!st.assign) st.assign = std::make_shared<tcompiledassignment>();
+  if (st.assign->memberrevision != s.memberindex.revision) compile(s, st, *st.assign);
+  // Held for the statement: a handler may renew the line cache that holds the statement.
+  const std::shared_ptr<const tcompiledassignment> held = st.assign;
+  const tcompiledassignment& c = *held;
+  if (!c.simple || (c.plainassign && !s.withnames.empty())) {
+    assignment(s, utf16(st.keyword), utf16(st.rest));
+    return;
+  }
+  s.target.set(c.target);
+  s.result.clear();
+  s.keyword.set(c.op);
+  setparams(s, c.paramtext, c.words, c.kinds);
+  if (s.halted) return;
+  if (c.plainassign) {
+    s.result.set(joinparams(s, utf16()));
+    echoassign(s, s.target.get(), c.op, s.result.get());
+  } else {
+    const utf16 value = c.apply ? c.apply(s) : utf16();
+    s.result.set(value);
+    echoassign(s, s.target.get(), c.op, value);
+  }
+  storecompiled(s, c);
 }

@@ -101,8 +101,9 @@ int64_t findvariable(const tscript& s, const utf16& name, int64_t below = INT64_
 
 }  // namespace
 
-void setvarquiet(tscript& s, const utf16& name, const utf16& value) {
-  const utf16 key = variablename(name);
+void setvarquiet(tscript& s, const utf16& name, const utf16& value) { storevariable(s, variablename(name), value); }
+
+void storevariable(tscript& s, const utf16& key, const utf16& value) {
   const int64_t at = findvariable(s, key);
   if (at >= 0) {
     s.variables[static_cast<size_t>(at)].value = celfromutf16(value);
@@ -349,9 +350,7 @@ void cachedcutwords(tscript& s, const utf16& text, bool raw, std::vector<utf16>&
   cuts.emplace(text, tcutwords{words, kinds});
 }
 
-// One split of the statement text into words with kinds, each word then substituted.
-void split(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
-  cachedcutwords(s, text, raw, words, kinds);
+void substitutewords(tscript& s, std::vector<utf16>& words, const std::vector<uint8_t>& kinds) {
   for (size_t i = 0; i < words.size() && !s.halted; ++i) {
     utf16& w = words[i];
     if (empty(w)) continue;
@@ -370,7 +369,27 @@ void split(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, s
   }
 }
 
+// One split of the statement text into words with kinds, each word then substituted.
+void split(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+  cachedcutwords(s, text, raw, words, kinds);
+  substitutewords(s, words, kinds);
+}
+
 }  // namespace
+
+bool cutparams(const tscript& s, const utf16& text, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+  if (text.lo.find_first_of("#$%") != std::string::npos) return false;
+  cutwords(s, text, false, words, kinds);
+  return true;
+}
+
+void setparams(tscript& s, const utf16& text, const std::vector<utf16>& words, const std::vector<uint8_t>& kinds) {
+  s.paramtext = text;
+  s.rawparamsready = false;
+  s.params = words;
+  s.paramkinds = kinds;
+  substitutewords(s, s.params, s.paramkinds);
+}
 
 void splitparams(tscript& s, const utf16& rest) {
   s.paramtext = macrosubstitute(s, rest);
