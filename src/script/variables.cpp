@@ -106,10 +106,12 @@ void setvarquiet(tscript& s, const utf16& name, const utf16& value) { storevaria
 void storevariable(tscript& s, const utf16& key, const utf16& value) {
   const int64_t at = findvariable(s, key);
   if (at >= 0) {
-    s.variables[static_cast<size_t>(at)].value = celfromutf16(value);
+    tvariable& v = s.variables[static_cast<size_t>(at)];
+    v.value = celfromutf16(value);
+    v.pending.kind = tpendingnumber::none;
     return;
   }
-  addvariable(s, {celfromutf16(key), celfromutf16(value), s.level});
+  addvariable(s, {celfromutf16(key), celfromutf16(value), s.level, {}});
 }
 
 namespace {
@@ -134,24 +136,67 @@ void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level)
   if (!assignable(s, key, text)) return;
   const int64_t at = findvariable(s, key);
   if (at >= 0) {
-    s.variables[static_cast<size_t>(at)].value = celfromutf16(text);
+    tvariable& v = s.variables[static_cast<size_t>(at)];
+    v.value = celfromutf16(text);
+    v.pending.kind = tpendingnumber::none;
     return;
   }
   // Keep the list sorted by level: the new entry goes behind the last one of its level.
   const size_t place = firstoflevel(s, level + 1);
-  s.variables.insert(s.variables.begin() + static_cast<long>(place), {celfromutf16(key), celfromutf16(text), level});
+  s.variables.insert(s.variables.begin() + static_cast<long>(place), {celfromutf16(key), celfromutf16(text), level, {}});
   s.variableindex.indexed = -1;
 }
 
 void newlocal(tscript& s, const utf16& name, const utf16& value) {
   utf16 key = variablename(name);
   if (length(key) > cellmax) key = copy(key, 1, cellmax);
-  addvariable(s, {std::move(key), celfromutf16(value), s.level + 1});
+  addvariable(s, {std::move(key), celfromutf16(value), s.level + 1, {}});
+}
+
+namespace {
+void newlocalpending(tscript& s, const utf16& name, const tpendingnumber& pending) {
+  utf16 key = variablename(name);
+  if (length(key) > cellmax) key = copy(key, 1, cellmax);
+  addvariable(s, {std::move(key), utf16(), s.level + 1, pending});
+}
+
+tpendingnumber pendingnumber() {
+  tpendingnumber p;
+  p.scientific = numbersettings.scientific;
+  p.decimal = numbersettings.decimal;
+  p.digit = numbersettings.digit;
+  return p;
+}
+}  // namespace
+
+void newlocalnat(tscript& s, const utf16& name, int64_t value) {
+  tpendingnumber p = pendingnumber();
+  p.kind = tpendingnumber::nat;
+  p.natvalue = value;
+  newlocalpending(s, name, p);
+}
+
+void newlocalreal(tscript& s, const utf16& name, double value) {
+  tpendingnumber p = pendingnumber();
+  p.kind = tpendingnumber::real;
+  p.realvalue = value;
+  newlocalpending(s, name, p);
+}
+
+const utf16& variablevalue(const tvariable& v) {
+  tpendingnumber& p = v.pending;
+  if (p.kind == tpendingnumber::none) return v.value;
+  const tnumberformat now = savenumberformat();
+  restorenumberformat({p.scientific, p.decimal, p.digit});
+  v.value = celfromutf16(p.kind == tpendingnumber::nat ? nattext(p.natvalue) : realtext(p.realvalue));
+  restorenumberformat(now);
+  p.kind = tpendingnumber::none;
+  return v.value;
 }
 
 utf16 getvar(const tscript& s, const utf16& name) {
   const int64_t at = findvariable(s, variablename(name));
-  return at >= 0 ? s.variables[static_cast<size_t>(at)].value : utf16();
+  return at >= 0 ? variablevalue(s.variables[static_cast<size_t>(at)]) : utf16();
 }
 
 int64_t hasvar(const tscript& s, const utf16& name) { return findvariable(s, variablename(name)); }
@@ -209,8 +254,8 @@ utf16 macrosubstitute(const tscript& s, const utf16& text) {
   utf16 out = text;
   for (auto i = s.variables.rbegin(); i != s.variables.rend(); ++i) {
     if (empty(i->name)) continue;
-    out = replace(out, utf16("@") + i->name, i->value);
-    out = replace(out, utf16("@") + upper(i->name), upper(i->value));
+    out = replace(out, utf16("@") + i->name, variablevalue(*i));
+    out = replace(out, utf16("@") + upper(i->name), upper(variablevalue(*i)));
     if (poschar('@', out) == 0) break;
   }
   return out;
@@ -221,7 +266,7 @@ utf16 substituteword(const tscript& s, const utf16& word) {
   utf16 out = word;
   utf16 key = lower(word);
   for (int64_t at = findvariable(s, key); at >= 0; at = findvariable(s, key, at)) {
-    out = s.variables[static_cast<size_t>(at)].value;
+    out = variablevalue(s.variables[static_cast<size_t>(at)]);
     key = lower(out);
   }
   return out;

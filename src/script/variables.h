@@ -9,7 +9,11 @@
 void setvar(tscript& s, const utf16& name, const utf16& value);
 void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level);
 void newlocal(tscript& s, const utf16& name, const utf16& value);
+// newlocal with a number, printed (in the number format of now) only when it is read.
+void newlocalnat(tscript& s, const utf16& name, int64_t value);
+void newlocalreal(tscript& s, const utf16& name, double value);
 utf16 getvar(const tscript& s, const utf16& name);
+const utf16& variablevalue(const tvariable& v);
 int64_t hasvar(const tscript& s, const utf16& name);  // index from 0, or -1
 // Sets a variable without the checks of an assignment (for the engine's own variables).
 void setvarquiet(tscript& s, const utf16& name, const utf16& value);
