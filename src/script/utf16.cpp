@@ -325,7 +325,13 @@ utf16 untilfirst(const utf16& v, const utf16& sep) {
 }
 
 void utf16field::set(const utf16& v) {
-  if (length(v) <= cellmax + 1) {
+  if (length(v) <= cellmax) {
+    // Assigned in place: the engine sets its fields at every statement.
+    first.lo = v.lo;
+    first.hi = v.hi;
+    second.lo.clear();
+    second.hi.clear();
+  } else if (length(v) == cellmax + 1) {
     first = celfromutf16(v);
     second = utf16();
   } else {

@@ -9,9 +9,21 @@
 
 namespace {
 
-utf16 variablename(const utf16& name) {
-  const bool plain = std::none_of(name.lo.begin(), name.lo.end(), [](char c) { return c == ' ' || (c >= 'A' && c <= 'Z'); });
-  return plain ? name : lower(replacechar(name, ' ', '.'));
+bool plainname(const utf16& name) {
+  return std::none_of(name.lo.begin(), name.lo.end(), [](char c) { return c == ' ' || (c >= 'A' && c <= 'Z'); });
+}
+
+utf16 variablename(const utf16& name) { return plainname(name) ? name : lower(replacechar(name, ' ', '.')); }
+
+// The name as the list holds it, made in `scratch` only when it differs.
+const utf16& variablename(const utf16& name, utf16& scratch) {
+  if (plainname(name)) return name;
+  scratch = lower(replacechar(name, ' ', '.'));
+  return scratch;
+}
+
+bool samename(const utf16& a, const utf16& b) {
+  return a.lo.size() == b.lo.size() && a.lo == b.lo && a.hi == b.hi;
 }
 
 // Index of the first variable of `level` or above; the list is ordered by level.
@@ -74,12 +86,16 @@ const tvariableindex& indexed(const tscript& s) {
   return index;
 }
 
+// The newest entry of the list, just appended, enters the index.
+void indexnewest(tscript& s) {
+  if (s.variableindex.indexed != static_cast<int64_t>(s.variables.size()) - 1) return;
+  s.variableindex.chains[s.variables.back().name].push_back(static_cast<int64_t>(s.variables.size()) - 1);
+  ++s.variableindex.indexed;
+}
+
 void addvariable(tscript& s, tvariable v) {
-  if (instep(s)) {
-    s.variableindex.chains[v.name].push_back(static_cast<int64_t>(s.variables.size()));
-    ++s.variableindex.indexed;
-  }
   s.variables.push_back(std::move(v));
+  indexnewest(s);
 }
 
 // The newest entry of name below position `below`, or -1.
@@ -87,7 +103,7 @@ int64_t findvariable(const tscript& s, const utf16& name, int64_t below = INT64_
   const int64_t count = static_cast<int64_t>(s.variables.size());
   if (s.variables.size() <= walklimit) {
     for (int64_t i = std::min(below, count) - 1; i >= 0; --i)
-      if (equal(s.variables[static_cast<size_t>(i)].name, name)) return i;
+      if (samename(s.variables[static_cast<size_t>(i)].name, name)) return i;
     return -1;
   }
   const tvariableindex& index = indexed(s);
@@ -101,7 +117,10 @@ int64_t findvariable(const tscript& s, const utf16& name, int64_t below = INT64_
 
 }  // namespace
 
-void setvarquiet(tscript& s, const utf16& name, const utf16& value) { storevariable(s, variablename(name), value); }
+void setvarquiet(tscript& s, const utf16& name, const utf16& value) {
+  utf16 scratch;
+  storevariable(s, variablename(name, scratch), value);
+}
 
 void storevariable(tscript& s, const utf16& key, const utf16& value) {
   const int64_t at = findvariable(s, key);
@@ -147,18 +166,33 @@ void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level)
   s.variableindex.indexed = -1;
 }
 
+namespace {
+// A new entry at level + 1; the names of the loops are plain and short, and are copied as
+// they stand.
+tvariable& newentry(tscript& s, const utf16& name, bool plain = false) {
+  tvariable& v = s.variables.emplace_back();
+  if (plain || (plainname(name) && length(name) <= cellmax)) {
+    v.name = name;
+  } else {
+    v.name = variablename(name);
+    if (length(v.name) > cellmax) v.name = copy(v.name, 1, cellmax);
+  }
+  v.level = s.level + 1;
+  indexnewest(s);
+  return v;
+}
+
+void newlocalpending(tscript& s, const utf16& name, const tpendingnumber& pending) {
+  newentry(s, name, true).pending = pending;
+}
+}  // namespace
+
 void newlocal(tscript& s, const utf16& name, const utf16& value) {
-  utf16 key = variablename(name);
-  if (length(key) > cellmax) key = copy(key, 1, cellmax);
-  addvariable(s, {std::move(key), celfromutf16(value), s.level + 1, {}});
+  tvariable& v = newentry(s, name);
+  v.value = length(value) <= cellmax ? value : copy(value, 1, cellmax);
 }
 
 namespace {
-void newlocalpending(tscript& s, const utf16& name, const tpendingnumber& pending) {
-  utf16 key = variablename(name);
-  if (length(key) > cellmax) key = copy(key, 1, cellmax);
-  addvariable(s, {std::move(key), utf16(), s.level + 1, pending});
-}
 
 tpendingnumber pendingnumber() {
   tpendingnumber p;
@@ -195,11 +229,15 @@ const utf16& variablevalue(const tvariable& v) {
 }
 
 utf16 getvar(const tscript& s, const utf16& name) {
-  const int64_t at = findvariable(s, variablename(name));
+  utf16 scratch;
+  const int64_t at = findvariable(s, variablename(name, scratch));
   return at >= 0 ? variablevalue(s.variables[static_cast<size_t>(at)]) : utf16();
 }
 
-int64_t hasvar(const tscript& s, const utf16& name) { return findvariable(s, variablename(name)); }
+int64_t hasvar(const tscript& s, const utf16& name) {
+  utf16 scratch;
+  return findvariable(s, variablename(name, scratch));
+}
 
 void forgetvariables(tscript& s, int64_t level) {
   std::erase_if(s.variables, [level](const tvariable& v) { return v.level >= level; });

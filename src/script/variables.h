@@ -9,7 +9,8 @@
 void setvar(tscript& s, const utf16& name, const utf16& value);
 void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level);
 void newlocal(tscript& s, const utf16& name, const utf16& value);
-// newlocal with a number, printed (in the number format of now) only when it is read.
+// newlocal with a number, printed (in the number format of now) only when it is read; the
+// name must be plain (lower case, no blanks, a cell at most), as the loops' names are.
 void newlocalnat(tscript& s, const utf16& name, int64_t value);
 void newlocalreal(tscript& s, const utf16& name, double value);
 utf16 getvar(const tscript& s, const utf16& name);
