@@ -153,7 +153,7 @@ void prepare(const tscript& s, int64_t line, tpreparedline& p) {
   p.ready = true;
 }
 
-tpreparedline& readstatement(tscript& s, int64_t line, tpreparedline& scratch) {
+tpreparedline& readstatement(tscript& s, int64_t line, std::unique_ptr<tpreparedline>& scratch) {
   tstatementcache& cache = s.cache;
   const bool cacheable = s.store.revision != 0 && !s.linehook;
   if (cacheable && cache.storerevision != s.store.revision) {
@@ -162,8 +162,9 @@ tpreparedline& readstatement(tscript& s, int64_t line, tpreparedline& scratch) {
     cache.lines.resize(static_cast<size_t>(linecount(s.store)) + 1);
   }
   if (!cacheable || line >= static_cast<int64_t>(cache.lines.size())) {
-    prepare(s, line, scratch);
-    return scratch;
+    scratch = std::make_unique<tpreparedline>();
+    prepare(s, line, *scratch);
+    return *scratch;
   }
   tpreparedline& p = cache.lines[static_cast<size_t>(line)];
   if (!p.ready) prepare(s, line, p);
@@ -192,7 +193,7 @@ int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
   ++s.level;
   // Each level holds a frame on the machine's stack: endless recursion must stop as an error.
   if (!s.halted && nestedtoodeep(s)) reporterror(s, "Too many nested blocks!");
-  tpreparedline scratch;
+  std::unique_ptr<tpreparedline> scratch;  // for a line that the cache doesn't hold
   for (;;) {
     // The count is read each time: an include makes the store grow under the loop.
     if (line >= linecount(s.store) || s.halted) return line;

@@ -74,6 +74,14 @@ bool elementtarget(const tscript& s, utf16& name, utf16& value) {
 // shrinks to a short one puts it out of step (count -1).
 constexpr size_t walklimit = 48;
 
+uint64_t namebit(const utf16& name) {
+  const unsigned first = name.lo.empty() ? 0u : static_cast<unsigned char>(name.lo[0]);
+  const uint64_t mixed = (name.lo.size() * 0x9E3779B97F4A7C15ull) ^ (first * 0xC2B2AE3D27D4EB4Full);
+  return uint64_t{1} << (mixed >> 58);
+}
+
+void notename(tscript& s, const utf16& name) { s.variableindex.namemask |= namebit(name); }
+
 bool instep(const tscript& s) { return s.variableindex.indexed == static_cast<int64_t>(s.variables.size()); }
 
 const tvariableindex& indexed(const tscript& s) {
@@ -88,6 +96,7 @@ const tvariableindex& indexed(const tscript& s) {
 
 // The newest entry of the list, just appended, enters the index.
 void indexnewest(tscript& s) {
+  notename(s, s.variables.back().name);
   if (s.variableindex.indexed != static_cast<int64_t>(s.variables.size()) - 1) return;
   s.variableindex.chains[s.variables.back().name].push_back(static_cast<int64_t>(s.variables.size()) - 1);
   ++s.variableindex.indexed;
@@ -100,6 +109,7 @@ void addvariable(tscript& s, tvariable v) {
 
 // The newest entry of name below position `below`, or -1.
 int64_t findvariable(const tscript& s, const utf16& name, int64_t below = INT64_MAX) {
+  if ((s.variableindex.namemask & namebit(name)) == 0) return -1;
   const int64_t count = static_cast<int64_t>(s.variables.size());
   if (s.variables.size() <= walklimit) {
     for (int64_t i = std::min(below, count) - 1; i >= 0; --i)
@@ -126,7 +136,12 @@ void storevariable(tscript& s, const utf16& key, const utf16& value) {
   const int64_t at = findvariable(s, key);
   if (at >= 0) {
     tvariable& v = s.variables[static_cast<size_t>(at)];
-    v.value = celfromutf16(value);
+    if (length(value) <= cellmax) {
+      v.value.lo = value.lo;
+      v.value.hi = value.hi;
+    } else {
+      v.value = celfromutf16(value);
+    }
     v.pending.kind = tpendingnumber::none;
     return;
   }
@@ -163,6 +178,7 @@ void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level)
   // Keep the list sorted by level: the new entry goes behind the last one of its level.
   const size_t place = firstoflevel(s, level + 1);
   s.variables.insert(s.variables.begin() + static_cast<long>(place), {celfromutf16(key), celfromutf16(text), level, {}});
+  notename(s, s.variables[place].name);
   s.variableindex.indexed = -1;
 }
 
@@ -241,6 +257,8 @@ int64_t hasvar(const tscript& s, const utf16& name) {
 
 void forgetvariables(tscript& s, int64_t level) {
   std::erase_if(s.variables, [level](const tvariable& v) { return v.level >= level; });
+  s.variableindex.namemask = 0;
+  for (const tvariable& v : s.variables) notename(s, v.name);
   s.variableindex.indexed = -1;
 }
 
@@ -299,15 +317,20 @@ utf16 macrosubstitute(const tscript& s, const utf16& text) {
   return out;
 }
 
+namespace {
+bool haslarge(const utf16& text) {
+  return std::any_of(text.lo.begin(), text.lo.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+}
+}  // namespace
+
 utf16 substituteword(const tscript& s, const utf16& word) {
   // Each value found is looked up again as a name among the older entries.
-  utf16 out = word;
-  utf16 key = lower(word);
-  for (int64_t at = findvariable(s, key); at >= 0; at = findvariable(s, key, at)) {
-    out = variablevalue(s.variables[static_cast<size_t>(at)]);
-    key = lower(out);
-  }
-  return out;
+  const utf16* out = &word;
+  utf16 lowered;
+  auto key = [&]() -> const utf16& { return haslarge(*out) ? (lowered = lower(*out)) : *out; };
+  for (int64_t at = findvariable(s, key()); at >= 0; at = findvariable(s, key(), at))
+    out = &variablevalue(s.variables[static_cast<size_t>(at)]);
+  return *out;
 }
 
 namespace {
