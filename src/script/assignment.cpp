@@ -34,8 +34,30 @@ utf16 opreverse(tscript& s) {
 }
 
 utf16 opblank(tscript& s) { return joinparams(s, " "); }
-utf16 opadd(tscript& s) { return componentwise(s, std::plus<double>()); }
-utf16 opsub(tscript& s) { return componentwise(s, std::minus<double>()); }
+// Sums and differences of a few plain whole numbers, the common case, in integer arithmetic:
+// with at most eight numbers of at most 15 digits no partial result leaves the range where
+// doubles are exact, so the result is the same. False for any other parameters.
+template <int sign>
+bool wholenumbers(const tscript& s, utf16& out) {
+  if (s.params.empty() || s.params.size() > 8) return false;
+  int64_t acc = 0;
+  for (size_t i = 0; i < s.params.size(); ++i) {
+    int64_t n;
+    if (!shortinteger(s.params[i], n)) return false;
+    acc = i == 0 ? n : acc + sign * n;
+  }
+  out = realtext(static_cast<double>(acc));
+  return true;
+}
+
+utf16 opadd(tscript& s) {
+  utf16 out;
+  return wholenumbers<1>(s, out) ? out : componentwise(s, std::plus<double>());
+}
+utf16 opsub(tscript& s) {
+  utf16 out;
+  return wholenumbers<-1>(s, out) ? out : componentwise(s, std::minus<double>());
+}
 utf16 opmul(tscript& s) { return componentwise(s, std::multiplies<double>()); }
 utf16 opdiv(tscript& s) {
   return componentwise(s, [](double a, double b) { return b == 0 ? 0.0 : a / b; });
@@ -284,11 +306,11 @@ void assignment(tscript& s, tstatement& st) {
   if (s.halted) return;
   if (c.plainassign) {
     s.result.set(joinparams(s, utf16()));
-    echoassign(s, s.target.get(), c.op, s.result.get());
+    if (s.debug) echoassign(s, s.target.get(), c.op, s.result.get());
   } else {
     const utf16 value = c.apply ? c.apply(s) : utf16();
     s.result.set(value);
-    echoassign(s, s.target.get(), c.op, value);
+    if (s.debug) echoassign(s, s.target.get(), c.op, value);
   }
   storecompiled(s, c);
 }

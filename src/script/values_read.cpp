@@ -264,6 +264,24 @@ bool plaininteger(const utf16& text, double& value) {
 
 }  // namespace
 
+bool shortinteger(const utf16& text, int64_t& value) {
+  const std::string& s = text.lo;
+  const size_t sign = !s.empty() && s[0] == '-' ? 1 : 0;
+  if (sign == s.size() || s.size() - sign > 15) return false;
+  int64_t n = 0;
+  for (size_t i = sign; i < s.size(); ++i) {
+    if (!isdecimal(s[i]) || text.hi[i] != 0) return false;
+    n = n * 10 + (s[i] - '0');
+  }
+  if (sign && text.hi[0] != 0) return false;
+  value = sign ? -n : n;
+  return true;
+}
+
+namespace {
+
+}  // namespace
+
 double textreal(const utf16& text) {
   double value = 0;
   if (plaininteger(text, value)) return value;
