@@ -210,9 +210,12 @@ int64_t lastpos(const utf16& needle, const utf16& hay) {
 }
 
 int64_t poschar(uint16_t c, const utf16& hay) {
-  const int64_t n = length(hay);
-  for (int64_t i = 1; i <= n; ++i)
-    if (charat(hay, i) == c) return i;
+  // The low plane is searched first; a hit counts where the high byte agrees.
+  const char low = static_cast<char>(c & 0xFF), high = static_cast<char>(c >> 8);
+  for (size_t at = hay.lo.find(low); at != std::string::npos; at = hay.lo.find(low, at + 1)) {
+    const char h = at < hay.hi.size() ? hay.hi[at] : '\0';
+    if (h == high) return static_cast<int64_t>(at) + 1;
+  }
   return 0;
 }
 
