@@ -16,6 +16,12 @@ import sys
 import numpy as np
 
 R = 20
+# Files of meshio and our own files, each read and saved as ascii PLY under the second name.
+CUBES = {"m_cube.obj": "r_obj.ply", "m_cube.stl": "r_stl.ply", "m_ascii.ply": "r_ascii.ply", "m_le.ply": "r_le.ply",
+         "m_be.ply": "r_be.ply"}
+OWN = {"out/s.obj": "r_own_obj.ply", "out/s.dxf": "r_own_dxf.ply", "out/s.pov": "r_own_pov.ply",
+       "out/s_mesh.asc": "r_own_asc.ply"}
+READS = {**CUBES, **OWN}
 
 
 def ball_volume(n, centres):
@@ -83,25 +89,7 @@ mesh.clear
 scalar.surface
 mesh.split
 mesh.save "out/two_largest.ply"
-mesh.load "m_cube.obj"
-mesh.save.ply.ascii "out/r_obj.ply"
-mesh.load "m_cube.stl"
-mesh.save.ply.ascii "out/r_stl.ply"
-mesh.load "m_ascii.ply"
-mesh.save.ply.ascii "out/r_ascii.ply"
-mesh.load "m_le.ply"
-mesh.save.ply.ascii "out/r_le.ply"
-mesh.load "m_be.ply"
-mesh.save.ply.ascii "out/r_be.ply"
-mesh.load "out/s.obj"
-mesh.save.ply.ascii "out/r_own_obj.ply"
-mesh.load "out/s.dxf"
-mesh.save.ply.ascii "out/r_own_dxf.ply"
-mesh.load "out/s.pov"
-mesh.save.ply.ascii "out/r_own_pov.ply"
-mesh.load "out/s_mesh.asc"
-mesh.save.ply.ascii "out/r_own_asc.ply"
-""")
+""" + "".join(f'mesh.load "{source}"\nmesh.save.ply.ascii "out/{copy}"\n' for source, copy in READS.items()))
     (d / "out").mkdir(exist_ok=True)
 
 
@@ -206,13 +194,13 @@ def check(d):
 
     # Files of meshio in voxmill: 8 points (12 for stl copies: 36), 12 triangles, same coordinates.
     cube = np.load(d / "cube_points.npy")
-    for name, count in (("r_obj.ply", 8), ("r_ascii.ply", 8), ("r_le.ply", 8), ("r_be.ply", 8), ("r_stl.ply", 8)):
+    for name in CUBES.values():
         p, t = triangles(d / "out" / name)
         expect(len(t) == 12, f"{name}: {len(t)} triangles")
         expect(np.allclose(np.unique(p, axis=0), np.unique(cube, axis=0)), f"{name}: coordinates")
     expect("  Points  : 36" in console, "STL keeps its 36 vertices")
     # Our own OBJ, DXF, POV and ASC read back into the same surface.
-    for name in ("r_own_obj.ply", "r_own_dxf.ply", "r_own_pov.ply", "r_own_asc.ply"):
+    for name in OWN.values():
         p, t = triangles(d / "out" / name)
         expect(len(t) == nfaces and np.allclose(np.unique(p, axis=0), np.unique(ref, axis=0)), f"{name}: read back")
     for f in faults:

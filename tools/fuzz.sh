@@ -27,7 +27,7 @@ for t in "${targets[@]}"; do
   # A run works in its own directory, where the macros of fuzz_macro may write files.
   work="$dir/work/$t"
   rm -rf "$work" && mkdir -p "$work"
-  if ! (cd "$work" && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+  if ! (cd "$work" && ASAN_OPTIONS=detect_leaks=1:allocator_may_return_null=1 UBSAN_OPTIONS=print_stacktrace=1 \
         "$dir/tests/fuzz/$t" -max_total_time="$seconds" -runs="$runs" -seed="$seed" -timeout=20 -rss_limit_mb=2560 -print_final_stats=1 \
         -artifact_prefix="$dir/findings/$t-" "$corpus" 2>"$dir/$t.log"); then
     failed+=("$t")

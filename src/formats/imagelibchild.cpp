@@ -17,6 +17,8 @@
 #include "shell/console.h"
 #include "shell/files.h"
 
+double librarybaseseconds = 20;
+
 namespace {
 
 // The head of the shared memory: the image's shape, then the notes as text.
@@ -34,7 +36,7 @@ constexpr int64_t notecapacity = headbytes - static_cast<int64_t>(sizeof(theader
 tchildlimits limitsfor(int64_t filebytes, int64_t pixels) {
   const int64_t claimed = pixels > 0 ? 24 * pixels : 64 * filebytes;
   const int64_t memory = std::min(physicalmemory() / 4 * 3, (int64_t{512} << 20) + 4 * filebytes + claimed);
-  const double seconds = 20 + static_cast<double>(filebytes) / 1e6 + static_cast<double>(pixels) / 1e7;
+  const double seconds = librarybaseseconds + static_cast<double>(filebytes) / 1e6 + static_cast<double>(pixels) / 1e7;
   return {memory, seconds};
 }
 

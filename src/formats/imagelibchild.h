@@ -11,6 +11,10 @@
 #include "base/childdecode.h"
 #include "field/imagefield.h"
 
+// The least time a library gets before its decode or encode counts as hung; a fuzzer that
+// feeds thousands of damaged files lowers it.
+extern double librarybaseseconds;
+
 // The child's side of a load or a save.
 struct timagechild {
   tchildoutput& out;

@@ -3,7 +3,6 @@
 # the top left) near the x pole of the map, the 8-bit copy is the map capped at 255, and the
 # tie count and window sweeps are charts that xmllint accepts, with their axis titles.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
 $PY -c "
 import numpy as np, nibabel as nib
 n = 32

@@ -3,7 +3,6 @@
 # vector field and on a tensor field's six components; trilinear upscaling reproduces a
 # linear ramp inside the field (beyond the last source voxel the background takes part).
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
 $PY - <<'EOF2'
 import numpy as np, nibabel as nib
 rng = np.random.default_rng(3)

@@ -1,7 +1,6 @@
 # The cookbook macros of docs/examples run on made inputs; independent readers check their results.
 source "$(dirname "$0")/lib.sh"
 EXAMPLES=$(realpath "$(dirname "$0")/../../docs/examples")
-PY=/usr/bin/python3
 mkdir data
 $PY - <<'PYEOF' || fail "making the inputs"
 import numpy as np, nibabel as nib

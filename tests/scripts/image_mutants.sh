@@ -2,11 +2,7 @@
 # bytes, huge numbers in the header, cut tails. All load in one script with FreeImage and
 # ImageMagick enabled; whatever a mutant does, the script reaches its end in time.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-if ! $PY -c "import PIL" 2>/dev/null; then
-  fail "python3-pil is missing (tools/install-deps.sh installs it)"
-  finish
-fi
+need_python "PIL"
 $PY - <<'PY'
 import io, random
 from PIL import Image

@@ -39,7 +39,10 @@ ppmtobmp -os2 -bpp=4 few.ppm > os2few.bmp 2>/dev/null
 ppmtobmp -bpp=1 m.pbm > m1n.bmp 2>/dev/null
 
 # ---- own readers and writers ----
-cat > own.macro <<'EOF'
+# Each file of a list read and saved as r_<name>_<extension>.png.
+reads() { for f; do printf 'image.load "%s"\nimage.save "r_%s.png"\n' "$f" "${f/./_}"; done; }
+{
+  cat <<'EOF'
 debug.no
 freeimage.disable
 imagemagick.disable
@@ -52,20 +55,9 @@ image.save "o_c.tif"
 image.save "o_c.ppm"
 image.save "o_c.pam"
 image.save "o_c.pgm"
-image.load "plain.ppm"
-image.save "r_plain_ppm.png"
-image.load "c1.bmp"
-image.save "r_c1_bmp.png"
-image.load "p8.bmp"
-image.save "r_p8_bmp.png"
-image.load "few4.bmp"
-image.save "r_few4_bmp.png"
-image.load "os2.bmp"
-image.save "r_os2_bmp.png"
-image.load "os2few.bmp"
-image.save "r_os2few_bmp.png"
-image.load "a32.bmp"
-image.save "r_a32_bmp.png"
+EOF
+  reads plain.ppm c1.bmp p8.bmp few4.bmp os2.bmp os2few.bmp a32.bmp
+  cat <<'EOF'
 image.32bit
 image.load "o_c.pam"
 image.save "r_pam.png"
@@ -76,16 +68,9 @@ image.load "g.pgm"
 image.save "o_g.png"
 image.save "o_g.pgm"
 image.save "o_g.tif"
-image.load "plain.pgm"
-image.save "r_plain_pgm.png"
-image.load "plain.pbm"
-image.save "r_plain_pbm.png"
-image.load "g8.bmp"
-image.save "r_g8_bmp.png"
-image.load "m1.bmp"
-image.save "r_m1_bmp.png"
-image.load "m1n.bmp"
-image.save "r_m1n_bmp.png"
+EOF
+  reads plain.pgm plain.pbm g8.bmp m1.bmp m1n.bmp
+  cat <<'EOF'
 image.load "c.ppm"
 image.save "r_c_gray.png"
 image.load "w16.pgm"
@@ -101,6 +86,7 @@ image.save "o_pbm9.pbm"
 image.new 16 8
 image.save "o_pbm16.pbm"
 EOF
+} > own.macro
 out=$("$BIN" -strict -macro=own.macro 2>&1)
 check_not_contains "$out" "Error" "own readers and writers report no error"
 check_not_contains "$out" "Bad" "own readers take the corpus"

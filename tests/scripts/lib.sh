@@ -22,3 +22,4 @@ generate_and_run() {
   check_eq "$rc" 0 "voxmill ran the macro"
 }
 need_python() { "$PY" -c "import $1" 2>/dev/null || { fail "Python modules $1 are needed (tools/install-deps.sh installs them)"; finish; }; }
+need_tool() { command -v "$1" >/dev/null || { fail "$1 is needed (tools/install-deps.sh installs it)"; finish; }; }

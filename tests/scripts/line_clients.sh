@@ -2,7 +2,6 @@
 # the lines block mended), DXF by ezdxf, OBJ by assimp (t column dropped), SWC and MV3D by their columns; the
 # native text read back, also as scaled copies; a failed save leaves no file behind.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
 "$PY" - <<'PYEOF' || fail "making the inputs"
 import nibabel as nib, numpy as np
 u = np.zeros((12, 10, 8, 1, 3), np.float32); u[..., 0] = 1

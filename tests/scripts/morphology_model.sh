@@ -31,84 +31,36 @@ Image.fromarray(z).save("zeros.pgm")
 Image.fromarray(((rng.random((17, 19)) < 0.6) * rng.integers(0, 4, (17, 19)) * 80).astype(np.uint8)).save("g2.pgm")
 EOF
 
-cat > m.macro <<'EOF'
-debug.no
-scalar.8bit
-scalar.load "g8.nii"
-scalar.shrink <100, 255> 9
-scalar.save "o_shrink.nii"
-scalar.load "g8.nii"
-scalar.grow <70, 140> 5
-scalar.save "o_grow.nii"
-scalar.load "g8.nii"
-scalar.grow 210 13 7
-scalar.save "o_growv.nii"
-scalar.load "g8.nii"
-scalar.skeleton <1, 255> 3
-scalar.save "o_skel.nii"
-scalar.load "labels.nii"
-scalar.shrink.label <1, 2> 6
-scalar.save "o_shrinklabel.nii"
-scalar.load "labels.nii"
-scalar.grow.label <2, 3> 4
-scalar.save "o_growlabel.nii"
-scalar.16bit
-scalar.use wide
-scalar.load "g16.nii"
-scalar.shrink <14000, 65535> 11
-scalar.save "o_shrink16.nii"
-scalar.8bit
-scalar.load "g8.nii"
-scalar.remove.outliers 1
-scalar.save "o_outliers.nii"
-image.8bit
-image.load "mask.pgm"
-image.value 99
-image.fill.holes <128, 255>
-image.save "o_holes.pgm"
-image.load "g2.pgm"
-image.shrink <100, 255> 3
-image.save "o_shrink2.pgm"
-image.load "g2.pgm"
-image.grow <1, 170> 4
-image.save "o_grow2.pgm"
-image.load "zeros.pgm"
-image.fill.zero
-image.save "o_zero.pgm"
-image.load "zeros.pgm"
-image.fill.gap
-image.save "o_gap.pgm"
-image.load "zeros.pgm"
-image.fill.gap <2, 2> <6, 5>
-image.save "o_gapbox.pgm"
-scalar.use masks
-scalar.load "mask.nii"
-scalar.fill.holes <9, 9> 9
-scalar.save "o_holes.nii"
-scalar.load "blob.nii"
-scalar.value 200
-scalar.convex.z
-scalar.save "o_hullz.nii"
-scalar.load "blob.nii"
-scalar.value 200
-scalar.convex.x
-scalar.save "o_hullx.nii"
-thread.max := 1
-scalar.load "blob.nii"
-scalar.value 200
-scalar.fill.convex
-scalar.save "o_convex1.nii"
-thread.max := 2
-scalar.load "blob.nii"
-scalar.value 200
-scalar.fill.convex
-scalar.save "o_convex2.nii"
-thread.max := 5
-scalar.load "blob.nii"
-scalar.value 200
-scalar.fill.convex
-scalar.save "o_convex5.nii"
-EOF
+# Each round: load a file, the commands, save the result.
+round() { local kind=$1 in=$2 out=$3; shift 3; printf '%s.load "%s"\n' "$kind" "$in"; printf '%s\n' "$@"; printf '%s.save "%s"\n' "$kind" "$out"; }
+{
+  printf '%s\n' debug.no scalar.8bit
+  round scalar g8.nii o_shrink.nii "scalar.shrink <100, 255> 9"
+  round scalar g8.nii o_grow.nii "scalar.grow <70, 140> 5"
+  round scalar g8.nii o_growv.nii "scalar.grow 210 13 7"
+  round scalar g8.nii o_skel.nii "scalar.skeleton <1, 255> 3"
+  round scalar labels.nii o_shrinklabel.nii "scalar.shrink.label <1, 2> 6"
+  round scalar labels.nii o_growlabel.nii "scalar.grow.label <2, 3> 4"
+  printf '%s\n' scalar.16bit "scalar.use wide"
+  round scalar g16.nii o_shrink16.nii "scalar.shrink <14000, 65535> 11"
+  echo scalar.8bit
+  round scalar g8.nii o_outliers.nii "scalar.remove.outliers 1"
+  echo image.8bit
+  round image mask.pgm o_holes.pgm "image.value 99" "image.fill.holes <128, 255>"
+  round image g2.pgm o_shrink2.pgm "image.shrink <100, 255> 3"
+  round image g2.pgm o_grow2.pgm "image.grow <1, 170> 4"
+  round image zeros.pgm o_zero.pgm image.fill.zero
+  round image zeros.pgm o_gap.pgm image.fill.gap
+  round image zeros.pgm o_gapbox.pgm "image.fill.gap <2, 2> <6, 5>"
+  echo "scalar.use masks"
+  round scalar mask.nii o_holes.nii "scalar.fill.holes <9, 9> 9"
+  round scalar blob.nii o_hullz.nii "scalar.value 200" scalar.convex.z
+  round scalar blob.nii o_hullx.nii "scalar.value 200" scalar.convex.x
+  for n in 1 2 5; do
+    echo "thread.max := $n"
+    round scalar blob.nii "o_convex$n.nii" "scalar.value 200" scalar.fill.convex
+  done
+} > m.macro
 out=$("$BIN" -strict -macro=m.macro | script_part)
 check_not_contains "$out" "error" "the macro runs"
 

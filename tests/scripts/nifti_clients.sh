@@ -4,12 +4,8 @@
 # nibabel with the same voxels and affine and pass nifti_tool's header checks.
 CLIENTS="$(cd "$(dirname "$0")/.." && pwd)/nifti_clients.py"
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
 
-if ! "$PY" -c "import nibabel, numpy" 2>/dev/null; then
-  fail "python3-nibabel and python3-numpy are needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel, numpy"
 generate_and_run
 out=$("$PY" "$CLIENTS" check "$WORK" 2>&1) || fail "nibabel's files in voxmill:
 $out"

@@ -15,44 +15,23 @@ nii("v8.nii", rng.integers(0, 256, (7, 9, 10)), np.uint8)
 nii("labels.nii", rng.integers(0, 3, (8, 8, 8)) * 3, np.uint8)
 EOF
 
-cat > r.macro <<'EOF'
-debug.no
-scalar.16bit
-scalar.load "v16.nii"
-a := scalar.copy 0.5
-scalar.use a
-scalar.save "o_mean.nii"
-scalar.use default
-scalar.copy.method 5
-b := scalar.copy 0.25
-scalar.use b
-scalar.save "o_median.nii"
-scalar.use default
-scalar.copy.method 7
-c := scalar.copy <0.5, 0.25, 0.5>
-scalar.use c
-scalar.save "o_max.nii"
-scalar.8bit
-scalar.use bytes
-scalar.load "v8.nii"
-d := scalar.copy 2
-scalar.use d
-scalar.save "o_up2.nii"
-scalar.use bytes
-e := scalar.copy <3, 1.5, 2.5>
-scalar.use e
-scalar.save "o_up_aniso.nii"
-scalar.use bytes
-scalar.copy.method 2
-l := scalar.copy 2
-scalar.use l
-scalar.save "o_lanczos.nii"
-scalar.use labels
-scalar.load "labels.nii"
-f := scalar.copy.label 0.5
-scalar.use f
-scalar.save "o_label.nii"
-EOF
+# A scaled copy NAME := scalar.COPY saved as FILE, then the source selected again if given.
+scaled() { printf '%s := scalar.%s\nscalar.use %s\nscalar.save "%s"\n' "$1" "$2" "$1" "$3"; [ -z "${4:-}" ] || echo "scalar.use $4"; }
+{
+  printf '%s\n' debug.no scalar.16bit 'scalar.load "v16.nii"'
+  scaled a "copy 0.5" o_mean.nii default
+  echo "scalar.copy.method 5"
+  scaled b "copy 0.25" o_median.nii default
+  echo "scalar.copy.method 7"
+  scaled c "copy <0.5, 0.25, 0.5>" o_max.nii
+  printf '%s\n' scalar.8bit "scalar.use bytes" 'scalar.load "v8.nii"'
+  scaled d "copy 2" o_up2.nii bytes
+  scaled e "copy <3, 1.5, 2.5>" o_up_aniso.nii bytes
+  echo "scalar.copy.method 2"
+  scaled l "copy 2" o_lanczos.nii
+  printf '%s\n' "scalar.use labels" 'scalar.load "labels.nii"'
+  scaled f "copy.label 0.5" o_label.nii
+} > r.macro
 out=$("$BIN" -strict -macro=r.macro | script_part)
 check_not_contains "$out" "error" "the macro runs"
 

@@ -4,11 +4,7 @@
 # file as SYMMATRIX; eigenvalues and first eigenvectors agree with numpy.linalg.eigh, FA and
 # MD with dipy's formulas.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-if ! "$PY" -c "import nibabel, numpy, dipy" 2>/dev/null; then
-  fail "python3-nibabel, python3-numpy and python3-dipy are needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel, numpy, dipy"
 "$PY" - <<'PYEOF' || fail "making the tensors"
 import nibabel as nib, numpy as np
 rng = np.random.default_rng(5)

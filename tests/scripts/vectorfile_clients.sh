@@ -3,11 +3,7 @@
 # it (float and integer storage); nibabel reads back the same vectors
 # and affines.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-if ! "$PY" -c "import nibabel, numpy" 2>/dev/null; then
-  fail "python3-nibabel and python3-numpy are needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel, numpy"
 "$PY" - <<'PYEOF' || fail "writing the inputs"
 import nibabel as nib, numpy as np
 rng = np.random.default_rng(5)

@@ -2,12 +2,8 @@
 # unu; AVS field and AmiraMesh parsed by their published layouts; the numbered and the pair
 # text; an RGB image stack written by Pillow. All compared with the numpy source fields.
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
-UNU=$(command -v teem-unu || command -v unu)
-if [ -z "$UNU" ] || ! "$PY" -c "import nibabel, numpy, PIL" 2>/dev/null; then
-  fail "teem-apps, python3-nibabel, python3-numpy and python3-pil are needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel, numpy, PIL"
+UNU=$(command -v teem-unu || command -v unu) || need_tool teem-unu
 "$PY" - <<'PYEOF' || fail "writing the inputs"
 import nibabel as nib, numpy as np
 from PIL import Image

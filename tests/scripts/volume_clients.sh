@@ -4,12 +4,8 @@
 # NIfTI, which nibabel reads back for the voxels and the affine.
 CLIENTS="$(cd "$(dirname "$0")/.." && pwd)/volume_clients.py"
 source "$(dirname "$0")/lib.sh"
-PY=/usr/bin/python3
 
-if ! "$PY" -c "import nibabel, numpy, vtk" 2>/dev/null; then
-  fail "python3-nibabel, python3-numpy and python3-vtk9 are needed (tools/install-deps.sh)"
-  finish
-fi
+need_python "nibabel, numpy, vtk"
 generate_and_run 120
 out=$("$PY" "$CLIENTS" check "$WORK" 2>&1) || fail "the files in voxmill:
 $out

@@ -147,13 +147,6 @@ TEST(OwnRgb, SizeTellsTheLayoutAndTheWriterReadsBack) {
   printed([&] { EXPECT_TRUE(rgbread(c, path("a.rgb").c_str())); });
   EXPECT_EQ(getrgb(c, 1, 1), (trgb{0xC0, 0xB0, 0xA0}));
   EXPECT_EQ(getrgb(c, 2, 1), (trgb{0x30, 0x20, 0x10}));
-  writebytes(path("b.rgb"), file + "x");
-  std::vector<std::string> lines = printed([&] { EXPECT_FALSE(rgbread(c, path("b.rgb").c_str())); });
-  EXPECT_EQ(lines.back(), "  Bad file size. Empty image created!");
-  EXPECT_TRUE(fieldempty(c.f));
-  writebytes(path("c.rgb"), "abc");
-  lines = printed([&] { rgbread(c, path("c.rgb").c_str()); });
-  EXPECT_EQ(lines.back(), "  Wrong header. Empty image created!");
 
   Field a(imagergba, 2, 1);
   setrgba(a, 1, 1, {1, 2, 3, 4});
@@ -194,10 +187,6 @@ TEST(Imgf, DepthsCompressionAndBackground) {
   writebytes(path("c.imgf"), file(12, 1, "abcdef"));
   lines = printed([&] { imgfread(g, path("c.imgf").c_str()); });
   EXPECT_EQ(lines.back(), "  Error - wrong bit depth (12)!");
-  writebytes(path("d.imgf"), "IMGX" + std::string(24, '\0'));
-  lines = printed([&] { imgfread(g, path("d.imgf").c_str()); });
-  EXPECT_EQ(lines.back(), "  Bad Magic Identifier! Create empty field.");
-  EXPECT_TRUE(fieldempty(g.f));
 }
 
 TEST(Dispatch, ReadersAndWritersByExtensionAndKind) {
@@ -218,52 +207,18 @@ TEST(Dispatch, ReadersAndWritersByExtensionAndKind) {
   EXPECT_EQ(utf16toutf8(writername("a.pnm", ".ppm")), "a.pnm");
   EXPECT_EQ(utf16toutf8(writername("a.ppm.gz", ".ppm.gz")), "a.ppm.gz");
 
-  // Every writer by the extension, the PNG branch taking what no other one does.
-  Field g(imagegray, 2, 2), c(imagergb, 2, 2), a(imagergba, 2, 2);
-  const auto head = [](const std::string& file) { return readbytes(path(file)).substr(0, 4); };
-  printed([&] {
-    ownwrite(g, path("g.pgm").c_str());
-    ownwrite(g, path("g.bmp").c_str());  // BMP is written from rgb only
-    ownwrite(g, path("g.tif").c_str());
-    ownwrite(c, path("c.bmp").c_str());
-    ownwrite(c, path("c.pgm").c_str());
-    ownwrite(c, path("c.pbm").c_str());
-    ownwrite(a, path("a.pam").c_str());
-    ownwrite(a, path("a.tga").c_str());  // TGA too
-    ownwrite(c, path("c.jpg").c_str());
-  });
-  EXPECT_EQ(head("g.pgm"), "P5\n#");
-  EXPECT_EQ(head("g.bmp"), "\x89PNG");
-  EXPECT_EQ(head("g.tif"), std::string("II*\0", 4));
-  EXPECT_EQ(head("c.bmp").substr(0, 2), "BM");
-  EXPECT_EQ(head("c.pgm"), "P5\n#");
-  EXPECT_EQ(head("c.pbm"), "P4\n#");
-  EXPECT_EQ(head("a.pam"), "P7\n#");
-  EXPECT_EQ(head("a.tga"), "\x89PNG");
-  EXPECT_EQ(head("c.jpg"), "\x89PNG");
 }
 
-TEST(Dispatch, LoadAndSaveWithoutLibrariesAndTheirLines) {
-  Field c(imagergb, 2, 1);
-  setrgb(c, 1, 1, {10, 20, 30});
-  std::vector<std::string> lines = printed([&] { EXPECT_TRUE(imagesave(c, path("x.ppm.gz").c_str())); });
-  EXPECT_EQ(lines.front(), "Write file (" + path("x.ppm.gz") + ").");
-  EXPECT_EQ(readbytes(path("x.ppm.gz")).substr(0, 2), "\x1f\x8b");
-  Field back(imagegray);
-  lines = printed([&] { EXPECT_TRUE(imageload(back, path("x.ppm.gz").c_str(), imagergba)); });
-  EXPECT_EQ(lines.front(), "Read file (" + path("x.ppm.gz") + ").");
-  EXPECT_EQ(back->kind, imagergba);
-  EXPECT_EQ(getrgba(back, 1, 1), (trgba{10, 20, 30, 255}));
-  EXPECT_EQ(utf16toutf8(back->name), path("x.ppm.gz"));
+// gzip files, missing files and empty saves: the images gzip and bad-input macros.
+TEST(Dispatch, FailedLoadsWithoutLibrariesAndTheirLines) {
   // gzip data under a plain name is no image: readers see no gzip by content.
-  writebytes(path("y.ppm"), readbytes(path("x.ppm.gz")));
+  Field back(imagegray, 2, 1);
+  writebytes(path("y.ppm"), std::string("\x1f\x8b\x08\x00", 4));
   setoffset(back->space, {1, 1, 1});
-  lines = printed([&] { EXPECT_FALSE(imageload(back, path("y.ppm").c_str(), imagergb)); });
+  std::vector<std::string> lines = printed([&] { EXPECT_FALSE(imageload(back, path("y.ppm").c_str(), imagergb)); });
   EXPECT_EQ(lines.back().substr(0, 24), "  Bad Magic Identifier (");
   EXPECT_TRUE(fieldempty(back.f));
   EXPECT_EQ(back->space.offset[0], 0);
-  lines = printed([&] { imageload(back, path("z.pgm").c_str(), imagergb); });
-  EXPECT_EQ(lines.back(), "  File (" + path("z.pgm") + ") not found.");
   lines = printed([&] { imageload(back, path("z.png").c_str(), imagergb); });
   EXPECT_EQ(lines.back(), "  Couldn't read File (" + path("z.png") + ")! Create empty field.");
   writebytes(path("z.jpg"), "x");
@@ -271,7 +226,4 @@ TEST(Dispatch, LoadAndSaveWithoutLibrariesAndTheirLines) {
   EXPECT_EQ(lines.back(), "  Couldn't read File (" + path("z.jpg") + ")! Create empty field.");
   lines = printed([&] { imageload(back, path("z.jpg").c_str(), 99); });
   EXPECT_EQ(lines, std::vector<std::string>{"Unknown imagefield!"});
-  Field empty(imagegray);
-  lines = printed([&] { EXPECT_FALSE(imagesave(empty, path("e.png").c_str())); });
-  EXPECT_EQ(lines.back(), "Empty file!");
 }

@@ -183,6 +183,7 @@ TEST_F(Nifti, PackedVolumesOfAnyStackAndOffsetArriveWhole) {
   EXPECT_EQ(loadfile(path("b.nii.gz"), scalargray), (V{5, 6, 7}));
 }
 
+// Short, missing, corrupt and absurd files, bad dims and types: the scalars bad-input macro.
 TEST_F(Nifti, BadHeadersGiveOneLineAndAnEmptyField) {
   const std::string data(64, '\x01');
   struct tcase {
@@ -193,24 +194,14 @@ TEST_F(Nifti, BadHeadersGiveOneLineAndAnEmptyField) {
   };
   std::vector<tcase> cases;
   tniftiheader h = header(2, 8, 4, 4, 4);
-  cases.push_back({"short.nii", single(h, data).substr(0, 100), scalargray, "  Wrong header! Create empty field."});
   h.sizeof_hdr = 540;
   cases.push_back({"n2.nii", single(h, data), scalargray, "  Nifti-2 currently not supported! Create empty field."});
   cases.push_back({"n2f.nii", single(h, data), scalarfullgray, "  Wrong header! Create empty field."});
-  h.sizeof_hdr = 1234;
-  cases.push_back({"size.nii", single(h, data), scalarmono, "  Wrong header! Create empty field."});
-  h = header(2, 8, -2, -3, 4);
-  cases.push_back({"neg.nii", single(h, data), scalargray, "  Bad dim size (3 <-2, -3, 4> 1 <0, 0, 0>)! Create empty field."});
   h = header(2, 8, 4, 4, 4);
   h.dim[0] = 9;
   cases.push_back({"dim0.nii", single(h, data), scalargray, "  Bad dim size (9 <4, 4, 4> 1 <0, 0, 0>)! Create empty field."});
-  h = header(16, 16, 4, 4, 4);
-  cases.push_back({"type.nii", single(h, data), scalargray, "  Bad dim values! Create empty field."});
-  cases.push_back({"typef.nii", single(h, data), scalarfullgray, "  Bad datatype [16|16]! Create empty field."});
   h = header(1, 1, 4, 4, 4);
   cases.push_back({"bits.nii", single(h, data), scalarmono, "  Bad dim values! Create empty field."});
-  cases.push_back({"gz.nii.gz", std::string("\x1f\x8b\x08\x00garbage", 11), scalargray,
-                   "  Couldn't read File (" + path("gz.nii.gz") + ")! Create empty field."});
   for (const tcase& c : cases) {
     writebytes(path(c.name), c.bytes);
     setvalue(field.f, 1, 1, 1, 1);
@@ -220,11 +211,9 @@ TEST_F(Nifti, BadHeadersGiveOneLineAndAnEmptyField) {
     EXPECT_EQ(lines.back(), c.line) << c.name;
     EXPECT_EQ(lines.size(), 2u) << c.name << ": the read line and the message";
   }
-  lines = printed([&] { niftiload(field.f, scalargray, utf16(path("missing.nii")), 1, 0, 1); });
-  EXPECT_EQ(lines, std::vector<std::string>{"  Couldn't read File (" + path("missing.nii") + ")! Create empty field."});
 }
 
-TEST_F(Nifti, ShortDataGivesAZeroFieldOfTheClaimedSizeOrNoneWhenItCannotBeHad) {
+TEST_F(Nifti, ShortDataGivesAZeroFieldOfTheClaimedSize) {
   tniftiheader h = header(512, 16, 4, 2, 1);
   h.vox_offset = 1e9F;
   writebytes(path("past.nii"), single(h, std::string(16, '\x01')));
@@ -235,24 +224,9 @@ TEST_F(Nifti, ShortDataGivesAZeroFieldOfTheClaimedSizeOrNoneWhenItCannotBeHad) {
   writebytes(path("short.nii"), single(h, std::string(10, '\x01')));
   EXPECT_EQ(loadfile(path("short.nii"), scalarfullgray), V(8, 0));
   EXPECT_TRUE(said("  Calculated type (bytes):1.25"));
-
-  setfieldmemorylimit(int64_t{64} << 20);
-  h = header(2, 8, 30000, 30000, 30000);
-  writebytes(path("huge.nii"), single(h, std::string(600, '\x01')));
-  EXPECT_TRUE(loadfile(path("huge.nii"), scalargray).empty());
-  EXPECT_TRUE(said("  Wrong file size! Header: 352 +Dim: 27000000000000 *Bytes: 1"));
-  EXPECT_EQ(fieldsize(field.f), (tnatvector{0, 0, 0}));
 }
 
-// Other readers scale the third quaternion axis by qfac (pixdim[0]); files of this
-// program's users expect qform_code there.
-TEST_F(Nifti, DeviationQformCodeMultipliesTheThirdAxisInsteadOfQfac) {
-  tniftiheader h = header(2, 8, 1, 1, 1);
-  h.pixdim[0] = -1;
-  h.qform_code = 2;
-  const tspatial s = headerspace(h);
-  EXPECT_EQ(s.matrix, (trows{tvector{1, 0, 0}, tvector{0, 1, 0}, tvector{0, 0, 2}}));
-}
+// The third quaternion axis scaled by qform_code instead of qfac: nifti_clients.py.
 
 // The quaternion written is taken from the product of the diagonal, not the trace, and
 // without dividing the voxel size out: it matches the published formula only for unit

@@ -76,6 +76,7 @@ TEST(Spatial, RelativeAndAbsolutePositionsAlongAnAxis) {
   const tcase cases[] = {
       {0, 51},    {0.5, 51},   {0.25, 26}, {0.999, 101}, {1, 1},     {101, 101},  {2000, 50},  {100.4, 100},
       {-0.5, 51}, {-0.25, 76}, {-1, 101},  {-101, 1},    {-102, 50}, {-1.4, 101}, {1e300, 50}, {NAN, 50},
+      {2.5, 2},   {3.5, 4},    {-3, 99},
   };
   for (const tcase& c : cases) EXPECT_EQ(position(c.v, 101), c.expected) << c.v;
   // The centre of 10 is round(4.5) + 1: ties go to the even neighbour.

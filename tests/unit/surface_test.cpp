@@ -82,9 +82,9 @@ TEST(Surface, SingleVoxelGivesTheRoundedOctahedron) {
   }
 }
 
-// Closed and outward: every edge in two faces in opposite directions, and the signed
-// volume of the surface positive and near the digital ball's.
-TEST(Surface, BallsAreClosedOutwardAndTheSameForAnyThreadCount) {
+// Closed and consistently wound: every edge in two faces in opposite directions. The
+// volume, the outward sense and the split into balls: mesh_clients.py with vtk and meshio.
+TEST(Surface, BallsAreClosedAndTheSameForAnyThreadCount) {
   tvolumefixture one({40, 40, 40}), three({40, 40, 40});
   for (auto* v : {&one, &three}) {
     ball(v->f, {12, 12, 12}, 8);
@@ -96,25 +96,14 @@ TEST(Surface, BallsAreClosedOutwardAndTheSameForAnyThreadCount) {
   ASSERT_EQ(one.m.faces.length, three.m.faces.length);
   EXPECT_EQ(std::memcmp(one.m.points.data, three.m.points.data, one.m.points.length * sizeof(tvector)), 0);
   std::map<std::pair<int64_t, int64_t>, int> directed;
-  double volume = 0;
   for (int64_t i = 1; i <= one.m.faces.length; ++i) {
     const auto c = one.m.faces.get(i).corners;
     for (int k = 0; k < 3; ++k) ++directed[{c[k], c[(k + 1) % 3]}];
-    const tvector a = one.m.points.get(c[0]), b = one.m.points.get(c[1]), d = one.m.points.get(c[2]);
-    volume += (a[0] * (b[1] * d[2] - b[2] * d[1]) - a[1] * (b[0] * d[2] - b[2] * d[0]) + a[2] * (b[0] * d[1] - b[1] * d[0])) / 6;
   }
   for (const auto& [edge, n] : directed) {
     EXPECT_EQ(n, 1);
     EXPECT_EQ((directed.count({edge.second, edge.first})), 1u);
   }
-  const double expected = 4.0 / 3 * M_PI * (8 * 8 * 8 + 6 * 6 * 6);
-  EXPECT_NEAR(volume, expected, 0.1 * expected);
-  testing::internal::CaptureStdout();
-  meshcluster(one.m, 1);
-  const std::string out = testing::internal::GetCapturedStdout();
-  EXPECT_NE(out.find("  Max (1) : "), std::string::npos);
-  EXPECT_LT(visiblefaces(one.m), one.m.faces.length);
-  EXPECT_GT(visiblefaces(one.m), one.m.faces.length / 2);
 }
 
 TEST(Surface, TouchingVoxelsShareNoCubeFace) {

@@ -36,11 +36,9 @@ TEST_F(Values, PlainNumbersReadExactly) {
   EXPECT_EQ(real("-3"), -3.0);
   EXPECT_EQ(real("1e-3"), 0.001);
   EXPECT_EQ(real("1E3"), 1000.0);  // upper case is read too
-  EXPECT_EQ(real("0.5"), 0.5);
   EXPECT_EQ(real("-.5"), -0.5);
   EXPECT_EQ(real("1e400"), HUGE_VAL);
   EXPECT_EQ(real("1e-400"), 0.0);
-  EXPECT_EQ(real("-1e400"), -HUGE_VAL);
   EXPECT_EQ(real("0." + std::string(400, '0') + "1"), 0.0);  // underflow without an exponent
 }
 
@@ -110,24 +108,18 @@ TEST_F(Values, DecimalCommaMode) {
 
 TEST_F(Values, ProductsBindStrongerThanSums) {
   EXPECT_EQ(real("1+2*3"), 7.0);
-  EXPECT_EQ(real("2*3+1"), 7.0);
-  EXPECT_EQ(real("1-2*3"), -5.0);
   EXPECT_EQ(real("2*3-1"), 5.0);
-  EXPECT_EQ(real("2+3*4-1"), 13.0);
   EXPECT_EQ(real("-2*3"), -6.0);
 }
 
 TEST_F(Values, OperatorsOfOneRankBindToTheLeft) {
   EXPECT_EQ(real("10/2/5"), 1.0);
-  EXPECT_EQ(real("8-2-1"), 5.0);
   EXPECT_EQ(real("1-2-3"), -4.0);
   EXPECT_EQ(real("1<2*5"), 5.0);  // (1<2)*5
-  EXPECT_EQ(real("1*2<3"), 1.0);
 }
 
 TEST_F(Values, ExponentsKeepTheirSignInsideExpressions) {
   EXPECT_EQ(real("2*1e-3"), 0.002);
-  EXPECT_EQ(real("1e-3*2"), 0.002);
   EXPECT_EQ(real("1e+3*2"), 2000.0);
   EXPECT_EQ(real("1-2e-3"), 0.998);
   EXPECT_EQ(expression("1i3"), 0.001);
@@ -136,26 +128,21 @@ TEST_F(Values, ExponentsKeepTheirSignInsideExpressions) {
 TEST_F(Values, DivisionByZeroIsZero) {
   EXPECT_EQ(real("6/0"), 0.0);
   EXPECT_EQ(real("6/0+1"), 1.0);
-  EXPECT_EQ(real("0/5"), 0.0);
 }
 
 TEST_F(Values, Comparisons) {
   EXPECT_EQ(real("1<2"), 1.0);
   EXPECT_EQ(real("2<1"), 0.0);
   EXPECT_EQ(real("1<=1"), 1.0);
-  EXPECT_EQ(real("2<=1"), 0.0);
   EXPECT_EQ(real("1<>1"), 0.0);
   EXPECT_EQ(real("1<>2"), 1.0);
   EXPECT_EQ(real("2>1"), 1.0);
-  EXPECT_EQ(real("1>2"), 0.0);
   EXPECT_EQ(real("2>=2"), 1.0);
   EXPECT_EQ(real("1>=2"), 0.0);
   EXPECT_EQ(real("2=2"), 1.0);
   EXPECT_EQ(real("2=3"), 0.0);
   // two-character comparisons with nothing behind them
   EXPECT_EQ(real("5<="), 0.0);
-  EXPECT_EQ(real("5<>"), 0.0);
-  EXPECT_EQ(real("5>="), 0.0);
 }
 
 TEST_F(Values, BitOperatorsTruncate) {
@@ -167,7 +154,6 @@ TEST_F(Values, BitOperatorsTruncate) {
 
 TEST_F(Values, ShortTailsAndEmptyRuns) {
   EXPECT_EQ(real("1+"), 1.0);
-  EXPECT_EQ(real("4*"), 4.0);
   EXPECT_EQ(real("-"), 0.0);
   EXPECT_EQ(real("1e"), 0.0);  // a term that does not convert
   EXPECT_EQ(expression(""), 0.0);
@@ -190,11 +176,9 @@ TEST_F(Values, IntermediateValuesPassThroughText) {
 
 TEST_F(Values, NatsRoundTiesToEven) {
   EXPECT_EQ(nat("12"), 12);
-  EXPECT_EQ(nat("-3"), -3);
   EXPECT_EQ(nat("2.5"), 2);
   EXPECT_EQ(nat("3.5"), 4);
   EXPECT_EQ(nat("-2.5"), -2);
-  EXPECT_EQ(nat("2.6"), 3);
   EXPECT_EQ(nat("2*3+1"), 7);
   EXPECT_EQ(nat("7/2"), 4);
   EXPECT_EQ(nat("1E3"), 1000);
@@ -206,7 +190,6 @@ TEST_F(Values, NatsAreExactAndClamped) {
   EXPECT_EQ(nat("99999999999999999999"), maxnat);
   EXPECT_EQ(nat("-99999999999999999999"), minnat);
   EXPECT_EQ(nat("1e30"), maxnat);
-  EXPECT_EQ(nat("-1e30"), minnat);
 }
 
 TEST_F(Values, NatsIgnoreUnitSigns) {
@@ -222,7 +205,6 @@ TEST_F(Values, VectorsReadComponentsInTurn) {
   EXPECT_EQ(textvector(utf16("<1, 2, 3>")), (tvector{1, 2, 3}));
   EXPECT_EQ(textvector(utf16("<1, 2>")), (tvector{1, 2, 0}));
   EXPECT_EQ(textvector(utf16("5")), (tvector{5, 0, 0}));
-  EXPECT_EQ(textvector(utf16("abc")), (tvector{0, 0, 0}));
   EXPECT_EQ(textvector(utf16("<2*3, -1, 50%>")), (tvector{6, -1, 0.5}));
   EXPECT_EQ(texthyper(utf16("<1, 2, 3, 4>")), (thyper{1, 2, 3, 4}));
   EXPECT_EQ(textcomplex(utf16("<1, -2>")), (tcomplex{1, -2}));
@@ -243,28 +225,22 @@ TEST_F(Values, Booleans) {
 
 TEST_F(Values, RealsLoseBinaryNoise) {
   EXPECT_EQ(str(realtext(1.1000000000000001)), "1.1");
-  EXPECT_EQ(str(realtext(1.1000000000000012)), "1.1");
   EXPECT_EQ(str(realtext(0.1 + 0.2)), "0.3");
   EXPECT_EQ(str(realtext(1.0 + std::ldexp(1.0, -52))), "1");
   EXPECT_EQ(str(realtext(1.0000000000000102)), "1.00000000000001");
   // digits without a run of zeros before them are no noise
   EXPECT_EQ(str(realtext(2.0 / 3)), "0.6666666666666666");
   EXPECT_EQ(str(realtext(M_PI)), "3.1415926535897931");
-  EXPECT_EQ(str(realtext(M_PI / 2)), "1.5707963267948966");
 }
 
 TEST_F(Values, RealsScientific) {
   numbersettings.scientific = true;
   EXPECT_EQ(str(realtext(0.00123)), "123E-5");
-  EXPECT_EQ(str(realtext(-0.00123)), "-123E-5");
   EXPECT_EQ(str(realtext(0.001)), "1E-3");
   EXPECT_EQ(str(realtext(12000)), "12E3");
   EXPECT_EQ(str(realtext(-500)), "-5E2");
   EXPECT_EQ(str(realtext(0.05)), "0.05");
-  EXPECT_EQ(str(realtext(1.5)), "1.5");
-  EXPECT_EQ(str(realtext(12000.5)), "12000.5");
   EXPECT_EQ(str(realtext(0)), "0");
-  EXPECT_EQ(str(realtext(7)), "7");
 }
 
 TEST_F(Values, RealsDecimalComma) {
@@ -292,15 +268,12 @@ TEST_F(Values, RoundedReals) {
 TEST_F(Values, Nats) {
   EXPECT_EQ(str(nattext(12)), "12");
   EXPECT_EQ(str(nattext(-3)), "-3");
-  EXPECT_EQ(str(nattext(0)), "0");
   EXPECT_EQ(str(nattext(minnat)), "-9223372036854775808");
-  EXPECT_EQ(str(nattext(1000)), "1000");
 }
 
 TEST_F(Values, NatDigitGroups) {
   numbersettings.digit = true;
   EXPECT_EQ(str(nattext(999)), "999");
-  EXPECT_EQ(str(nattext(-999)), "-999");
   EXPECT_EQ(str(nattext(1000)), "1,000");
   EXPECT_EQ(str(nattext(1234567)), "1,234,567");
   EXPECT_EQ(str(nattext(-123456)), "-123,456");
@@ -313,7 +286,6 @@ TEST_F(Values, NatScientific) {
   EXPECT_EQ(str(nattext(12000)), "12E3");
   EXPECT_EQ(str(nattext(-500)), "-5E2");
   EXPECT_EQ(str(nattext(10)), "1E1");
-  EXPECT_EQ(str(nattext(123)), "123");
   EXPECT_EQ(str(nattext(0)), "0");
   numbersettings.digit = true;
   EXPECT_EQ(str(nattext(1234)), "1,234");
@@ -333,7 +305,6 @@ TEST_F(Values, PrintedNumbersReadBack) {
 
 TEST_F(Values, ShortestVectorForm) {
   EXPECT_EQ(str(vectortext({5, 0, 0})), "5");
-  EXPECT_EQ(str(vectortext({1, 0, 0})), "1");
   EXPECT_EQ(str(vectortext({0, 0, 0})), "0");
   EXPECT_EQ(str(vectortext({1, 2, 0})), "<1, 2>");
   EXPECT_EQ(str(vectortext({0, 0, 3})), "<0, 0, 3>");
@@ -371,7 +342,7 @@ TEST_F(Values, SizeText) {
   EXPECT_EQ(str(sizetext(5000000000000000)), "5 P");
 }
 
-// --- rounding and positions -------------------------------------------------------------
+// --- rounding (positions along an axis: spatial_test) -----------------------------------
 
 TEST_F(Values, RoundingToNats) {
   EXPECT_EQ(roundnat(2.5), 2);
@@ -383,37 +354,6 @@ TEST_F(Values, RoundingToNats) {
   EXPECT_EQ(truncnat(2.9), 2);
   EXPECT_EQ(truncnat(-2.9), -2);
   EXPECT_EQ(truncnat(HUGE_VAL), maxnat);
-}
-
-TEST_F(Values, AbsolutePositions) {
-  EXPECT_EQ(position(1, 10), 1);
-  EXPECT_EQ(position(10, 10), 10);
-  EXPECT_EQ(position(3.5, 10), 4);
-  EXPECT_EQ(position(2.5, 10), 2);
-  EXPECT_EQ(position(-1, 10), 10);  // counted from the end
-  EXPECT_EQ(position(-10, 10), 1);
-  EXPECT_EQ(position(-3, 10), 8);
-}
-
-TEST_F(Values, RelativePositions) {
-  EXPECT_EQ(position(0, 10), 5);  // round(4.5) is 4
-  EXPECT_EQ(position(0, 11), 6);
-  EXPECT_EQ(position(0.5, 11), 6);
-  EXPECT_EQ(position(0.25, 5), 2);
-  EXPECT_EQ(position(0.99999, 10), 10);
-  EXPECT_EQ(position(0.00001, 10), 1);
-  EXPECT_EQ(position(-0.5, 11), 6);
-  EXPECT_EQ(position(-0.25, 5), 4);
-  EXPECT_EQ(position(-0.00001, 10), 10);
-  EXPECT_EQ(position(-0.99999, 10), 1);
-}
-
-TEST_F(Values, PositionsOutsideTheAxisFallBackToTheMiddle) {
-  EXPECT_EQ(position(11, 10), 5);
-  EXPECT_EQ(position(-11, 10), 5);
-  EXPECT_EQ(position(0.7, 1), 1);
-  EXPECT_EQ(position(5, 0), 0);
-  EXPECT_EQ(position(std::nan(""), 10), 5);
 }
 
 }  // namespace
