@@ -52,11 +52,13 @@ bool wholenumbers(const tscript& s, utf16& out) {
 
 utf16 opadd(tscript& s) {
   utf16 out;
-  return wholenumbers<1>(s, out) ? out : componentwise(s, std::plus<double>());
+  if (!wholenumbers<1>(s, out)) out = componentwise(s, std::plus<double>());
+  return out;
 }
 utf16 opsub(tscript& s) {
   utf16 out;
-  return wholenumbers<-1>(s, out) ? out : componentwise(s, std::minus<double>());
+  if (!wholenumbers<-1>(s, out)) out = componentwise(s, std::minus<double>());
+  return out;
 }
 utf16 opmul(tscript& s) { return componentwise(s, std::multiplies<double>()); }
 utf16 opdiv(tscript& s) {

@@ -327,9 +327,11 @@ utf16 substituteword(const tscript& s, const utf16& word) {
   // Each value found is looked up again as a name among the older entries.
   const utf16* out = &word;
   utf16 lowered;
-  auto key = [&]() -> const utf16& { return haslarge(*out) ? (lowered = lower(*out)) : *out; };
-  for (int64_t at = findvariable(s, key()); at >= 0; at = findvariable(s, key(), at))
+  const utf16* key = haslarge(word) ? &(lowered = lower(word)) : &word;
+  for (int64_t at = findvariable(s, *key); at >= 0; at = findvariable(s, *key, at)) {
     out = &variablevalue(s.variables[static_cast<size_t>(at)]);
+    key = haslarge(*out) ? &(lowered = lower(*out)) : out;
+  }
   return *out;
 }
 
