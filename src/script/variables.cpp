@@ -435,6 +435,12 @@ void cutwords(const tscript& s, utf16 text, bool raw, std::vector<utf16>& words,
 // The cut depends on the text and the members; the number settings change what "#", "$" and
 // "%" words give, so texts with those are cut each time.
 void cachedcutwords(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+  if (empty(text)) {
+    // A statement without parameters, such as a call of a procedure, has nothing to cut.
+    words.clear();
+    kinds.clear();
+    return;
+  }
   tstatementcache& cache = s.cache;
   const bool cacheable = text.lo.find_first_of("#$%") == std::string::npos;
   if (!cacheable) {
