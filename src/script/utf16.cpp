@@ -1,6 +1,7 @@
 #include "script/utf16.h"
 
 #include <algorithm>
+#include <cstring>
 
 bool stringcomparealigned = false;
 
@@ -122,6 +123,12 @@ namespace {
 // -1, 0, 1 by characters over the common length
 int compareprefix(const utf16& a, const utf16& b) {
   const int64_t n = std::min(length(a), length(b));
+  const auto common = static_cast<size_t>(n);
+  if (a.hi.size() >= common && b.hi.size() >= common && std::memcmp(a.hi.data(), b.hi.data(), common) == 0) {
+    // Equal high planes, as in all names of plain ASCII: the low bytes decide, in order.
+    const int bybytes = std::memcmp(a.lo.data(), b.lo.data(), common);
+    return bybytes == 0 ? 0 : (bybytes < 0 ? -1 : 1);
+  }
   for (int64_t i = 1; i <= n; ++i) {
     const uint16_t ca = charat(a, i), cb = charat(b, i);
     if (ca != cb) return ca < cb ? -1 : 1;
