@@ -39,10 +39,12 @@ void streamcmd(tscript& s) {
   if (fieldempty(f)) return;
   const tnatvector size = fieldsize(f);
   tseedsource seeds;
+  tstreamjob job;
   if constexpr (source == tsource::voxels) {
     seeds = voxelseeds(size);
   } else if constexpr (source == tsource::random) {
-    seeds = randomseeds(size, textnat(param(s, 1)), [&f](const tnatvector& c) { return zerovectorat(f, c); });
+    job.zero = zerotest(f, textnat(param(s, 1)));
+    seeds = randomseeds(size, textnat(param(s, 1)), job.zero);
   } else if constexpr (source == tsource::plane) {
     seeds = planeseeds(f.space, size, textvector(param(s, 1)), textvector(param(s, 2)));
   } else {
@@ -57,7 +59,6 @@ void streamcmd(tscript& s) {
     if (!mask) return;
     seeds = maskedseeds(seeds, *mask, rangesfrom(s, lead + 2));
   }
-  tstreamjob job;
   // the plain voxel and slice forms seed where the vector is zero; the others where it is not
   const bool plain = !masked && !muscle && source != tsource::random;
   job.test = plain ? tseedtest::zerovector : tseedtest::nonzerovector;

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include <sys/mman.h>
+
 void addpoint(tcloud& c, const tcloudpoint& p) {
   if (!c.lineopen) {
     if (!c.objectopen) {
@@ -20,12 +22,33 @@ void closeline(tcloud& c, int64_t tag) {
   c.lineopen = false;
 }
 
-void addlines(tcloud& c, std::span<const tcloudpoint> points, std::span<const tlineentry> lines) {
-  const int64_t base = c.points.length, n = static_cast<int64_t>(points.size());
+void tpointblocks::next() {
+  void* block = ::operator new(blockbytes, std::align_val_t{blockbytes});
+  blocks.emplace_back(static_cast<tvector*>(block));
+  fill = 0;
+  // a hint: one fault per block instead of one per 4 KiB page
+  madvise(block, blockbytes, MADV_HUGEPAGE);
+}
+
+int64_t tpointblocks::count() const {
+  return blocks.empty() ? 0 : static_cast<int64_t>((blocks.size() - 1) * blocksize + fill);
+}
+
+void tpointblocks::moveto(tcloud& c, std::span<const tlineentry> lines) {
+  const int64_t base = c.points.length, n = count();
   if (n < 1) return;
   c.points.grow(n);
   if (c.points.length != base + n) return;  // the allocator said why
-  for (int64_t i = 0; i < n; ++i) c.points.put(base + 1 + i, points[static_cast<size_t>(i)]);
+  tcloudpoint* to = c.points.items() + base;
+  for (size_t b = 0; b < blocks.size(); ++b) {
+    tvector* from = blocks[b].get();
+    for (size_t i = 0, k = b + 1 < blocks.size() ? blocksize : fill; i < k; ++i) *to++ = {from[i][0], from[i][1], from[i][2], 0};
+    // its pages go back now, to serve the faults of the cloud's next pages
+    madvise(from, blockbytes, MADV_DONTNEED);
+  }
+  blocks.clear();
+  fill = blocksize;
+  c.points.sorted = false;
   int64_t first = base + 1;
   for (const tlineentry& l : lines) {
     if (l.count < 1) continue;

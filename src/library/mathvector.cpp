@@ -4,13 +4,14 @@
 #include <algorithm>
 #include <cmath>
 
-tvector cross(const tvector& a, const tvector& b) {
-  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
 // atan2 of sine and cosine parts stays exact near 0 and pi, where acos of the normalised
 // dot product loses half its digits.
 double vectorangle(const tvector& a, const tvector& b) { return std::atan2(vectorlength(cross(a, b)), dot(a, b)); }
+
+tanglelimit anglelimit(double angle) {
+  const double t = std::tan(angle);
+  return {angle, t * t, angle > 1e-6 && angle < 1.5};
+}
 
 namespace {
 

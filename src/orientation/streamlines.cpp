@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include "field/array_grids.h"
 #include "field/spatial.h"
@@ -70,14 +71,40 @@ tseedsource maskedseeds(tseedsource inner, const tscalarfield& mask, std::vector
   };
 }
 
+namespace {
+
+template <class V>
+bool zeroat(const V& vol, const tnatvector& c) {
+  if (!vol.inside(c[0], c[1], c[2])) return true;
+  const auto v = vol.get(c[0], c[1], c[2]);
+  return v[0] == 0 && v[1] == 0 && v[2] == 0;
+}
+
+}  // namespace
+
 bool zerovectorat(const tvectorfield& f, const tnatvector& c) {
   bool zero = true;
-  eachstorage(f, [&](const auto& vol) {
-    if (!vol.inside(c[0], c[1], c[2])) return;
-    const auto v = vol.get(c[0], c[1], c[2]);
-    zero = v[0] == 0 && v[1] == 0 && v[2] == 0;
-  });
+  eachstorage(f, [&](const auto& vol) { zero = zeroat(vol, c); });
   return zero;
+}
+
+std::function<bool(const tnatvector&)> zerotest(const tvectorfield& f, int64_t seeds) {
+  const tnatvector n = fieldsize(f);
+  const int64_t voxels = fieldcount(n[0], n[1], n[2]);
+  // Random seeds meet the field's memory at random, a cache miss each. From one seed in 32
+  // voxels on, a bit per voxel, made in one pass and small enough to stay cached, is cheaper.
+  if (seeds < voxels / 32) return [&f](const tnatvector& c) { return zerovectorat(f, c); };
+  auto bits = std::make_shared<std::vector<uint64_t>>(static_cast<size_t>((voxels + 63) / 64));
+  eachstorage(f, [&](const auto& vol) {
+    const auto* v = vol.items();
+    for (int64_t i = 0; i < voxels; ++i)
+      if (v[i][0] == 0 && v[i][1] == 0 && v[i][2] == 0) (*bits)[static_cast<size_t>(i >> 6)] |= uint64_t{1} << (i & 63);
+  });
+  return [bits, n](const tnatvector& c) {
+    if (c[0] < 1 || c[1] < 1 || c[2] < 1 || c[0] > n[0] || c[1] > n[1] || c[2] > n[2]) return true;
+    const int64_t i = (c[0] - 1) + (c[1] - 1) * n[0] + (c[2] - 1) * n[0] * n[1];
+    return ((*bits)[static_cast<size_t>(i >> 6)] >> (i & 63) & 1) != 0;
+  };
 }
 
 namespace {
@@ -152,12 +179,11 @@ void run(const V& vol, const tvectorfield& f, const tstreamsettings& s, const ts
   const int64_t snakemargin = s.snakes >= 2 ? s.snakes - 1 : 0;
   auto local = [&](const tvector& p) { return globaltolocal(f.space, p); };
   int64_t seedcount = 0, found = 0;
-  std::vector<tvector> line;
-  std::vector<tcloudpoint> stored;  // the run's lines, added to the cloud at the end
+  tpointblocks stored;  // the run's lines, added to the cloud at the end
   std::vector<tlineentry> storedlines;
   tnatvector c;
   while (seeds(c)) {
-    if (zerovectorat(f, c) != (job.test == tseedtest::zerovector)) continue;
+    if ((job.zero ? job.zero(c) : zeroat(vol, c)) != (job.test == tseedtest::zerovector)) continue;
     ++seedcount;
     if (s.seeds > 0 && visited.any(c, seedmargin)) continue;
     tracer.init(localtoglobal(f.space, {static_cast<double>(c[0]), static_cast<double>(c[1]), static_cast<double>(c[2])}));
@@ -174,23 +200,35 @@ void run(const V& vol, const tvectorfield& f, const tstreamsettings& s, const ts
       cut(front);
       cut(back);
     }
-    line.assign(back.rbegin(), back.rend());
-    line.insert(line.end(), front.begin(), front.end());
-    if (s.seeds != 0 && visited.used && !line.empty()) {
-      if (line.size() == 1) visited.bits.putchecked(local(line[0])[0], local(line[0])[1], local(line[0])[2], true);
-      for (size_t i = 1; i < line.size(); ++i) visited.bits.line(local(line[i - 1]), local(line[i]), true);
-    }
+    // the line in stored order: back reversed, then front
+    const auto eachpoint = [&](auto visit) {
+      for (auto p = back.rbegin(); p != back.rend(); ++p) visit(*p);
+      for (const tvector& p : front) visit(p);
+    };
+    const size_t count = back.size() + front.size();
+    // each point's voxel with the one before (itself for the first)
+    const auto eachstep = [&](auto visit) {
+      tnatvector before{};
+      bool first = true;
+      eachpoint([&](const tvector& p) {
+        const tnatvector at = local(p);
+        visit(first ? at : before, at);
+        before = at;
+        first = false;
+      });
+    };
+    // marked from voxel to voxel; the first step from a voxel to itself marks a line of one point
+    if (s.seeds != 0 && visited.used) eachstep([&](const tnatvector& from, const tnatvector& to) { visited.bits.line(from, to, true); });
     if (job.nodes) {
-      if (scalar)
-        for (size_t i = 0; i < line.size(); ++i) countline(*scalar, local(line[i ? i - 1 : 0]), local(line[i]));
+      if (scalar) eachstep([&](const tnatvector& from, const tnatvector& to) { countline(*scalar, from, to); });
       continue;
     }
-    for (const tvector& p : line) stored.push_back({p[0], p[1], p[2], 0});
-    storedlines.push_back({static_cast<int64_t>(line.size()), seedcount});
+    eachpoint([&](const tvector& p) { stored.add(p); });
+    storedlines.push_back({static_cast<int64_t>(count), seedcount});
   }
   if (job.nodes) return;
   if (found < 1) return println("  Found 0 (0%) streamlines from seeds.");
-  addlines(out, stored, storedlines);
+  stored.moveto(out, storedlines);
   closeobject(out, "Streamlines");
   out.frameoffset = f.space.offset;
   out.framescale = axisscales(f.space);

@@ -31,12 +31,16 @@ struct tstreamjob {
   bool counted = false;    // the seed count was asked for: add the note
   bool warnmatrix = true;  // warn about negative matrix entries
   bool nodes = false;      // count the lines into `scalar` instead of storing them
+  std::function<bool(const tnatvector&)> zero;  // the seed test's own zero test, if any
 };
 
 // The seed sources.
 tseedsource voxelseeds(const tnatvector& size);
 tseedsource randomseeds(const tnatvector& size, int64_t n, const std::function<bool(const tnatvector&)>& zero);
 tseedsource planeseeds(const tspatial& space, const tnatvector& size, const tvector& point, const tvector& normal);
+// A zero test for `randomseeds` and the seed test: true where the vector at the local voxel
+// is zero or the voxel lies outside.
+std::function<bool(const tnatvector&)> zerotest(const tvectorfield& f, int64_t seeds);
 // Only the candidates inside the field where `mask` holds a value of one of the ranges.
 tseedsource maskedseeds(tseedsource inner, const tscalarfield& mask, std::vector<std::pair<int64_t, int64_t>> ranges);
 

@@ -30,15 +30,35 @@ class ttracer {
     front.clear();
     back.clear();
     front.push_back(seed);
-    half(seed, 1, front);
-    half(seed, -1, back);
+    thalf f{seed, {0, 0, 0}, seed, 1, front}, b{seed, {0, 0, 0}, seed, -1, back};
+    // The halves are independent. A step is one long chain of dependent arithmetic, so
+    // stepped side by side the processor works on both chains at once.
+    bool forward = true, backward = true;
+    while (forward && backward) {
+      forward = step(f);
+      backward = step(b);
+    }
+    while (forward) forward = step(f);
+    while (backward) backward = step(b);
   }
 
-  // The field at a global point: trilinear over the eight voxels around it, zero outside.
-  tvector at(const tvector& p) const {
+ private:
+  const V& vol;
+  const tspatial& space;
+  const tstreamlimits& lim;
+  const double stopcosine = std::cos(lim.stopangle);
+  const tanglelimit thinning = anglelimit(lim.angles);
+
+  // A global point in local voxel coordinates.
+  tvector local(const tvector& p) const {
     const tvector a = added(p, space.negoffset);
     tvector l{1, 1, 1};
     for (int k = 0; k < 3; ++k) l = added(l, scaled(space.inverse[k], a[k]));
+    return l;
+  }
+
+  // The field at local point l: trilinear over the eight voxels around it, zero outside.
+  tvector sample(const tvector& l) const {
     int64_t i[3];
     double f[3];
     for (int k = 0; k < 3; ++k) {
@@ -66,12 +86,6 @@ class ttracer {
     return sum;
   }
 
- private:
-  const V& vol;
-  const tspatial& space;
-  const tstreamlimits& lim;
-  const double stopcosine = std::cos(lim.stopangle);
-
   int64_t valueat(const tvector& p) const {
     const tnatvector c = globaltolocal(space, p);
     const tnatvector n = fieldsize(*lim.scalar);
@@ -93,28 +107,31 @@ class ttracer {
     return true;
   }
 
-  void half(const tvector& seed, double sign, std::vector<tvector>& list) {
-    tvector p = seed, d{0, 0, 0}, last = seed;
-    for (;;) {
-      const tvector prev = d, q = p;
-      d = normalised(at(q));
-      for (int k = 0; k < 3; ++k) p[k] = q[k] + sign * d[k] * lim.step[k];
-      const bool moved = p != q;
-      if (moved) {
-        if (lim.angles <= 0) {
-          list.push_back(p);
-        } else if (vectorangle(added(q, scaled(last, -1)), added(p, scaled(q, -1))) > lim.angles) {
-          list.push_back(p);
-          last = p;
-        }
-      }
-      bool go = inbox(p) && moved && turnbelow(d, prev) &&
-                static_cast<int64_t>(list.size()) < lim.maxpoints;
-      if (go && lim.contrast != 0) go = std::abs(valueat(p) - valueat(q)) <= lim.contrast;
-      if (!go) {
-        if (lim.angles > 0 && p != last) list.push_back(p);
-        return;
+  // One half line on its way: where it stands, the direction it came, the list it fills.
+  struct thalf {
+    tvector p, d, last;  // last: the last stored point, for the thinning
+    double sign;
+    std::vector<tvector>& list;
+  };
+
+  // One step of a half line; false when it has ended.
+  [[gnu::always_inline]] bool step(thalf& h) {
+    const tvector prev = h.d, q = h.p;
+    h.d = normalised(sample(local(q)));
+    tvector& p = h.p;
+    for (int k = 0; k < 3; ++k) p[k] = q[k] + h.sign * h.d[k] * lim.step[k];
+    const bool moved = p != q;
+    if (moved) {
+      if (lim.angles <= 0) {
+        h.list.push_back(p);
+      } else if (anglebeyond(added(q, scaled(h.last, -1)), added(p, scaled(q, -1)), thinning)) {
+        h.list.push_back(p);
+        h.last = p;
       }
     }
+    bool go = inbox(p) && moved && turnbelow(h.d, prev) && static_cast<int64_t>(h.list.size()) < lim.maxpoints;
+    if (go && lim.contrast != 0) go = std::abs(valueat(p) - valueat(q)) <= lim.contrast;
+    if (!go && lim.angles > 0 && p != h.last) h.list.push_back(p);
+    return go;
   }
 };

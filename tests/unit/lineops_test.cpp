@@ -39,22 +39,34 @@ TEST(LineOps, BuildingCountsLinesAndObjects) {
 }
 
 TEST(LineOps, LinesAddedAtOnceAsPointByPoint) {
-  // an open line takes the first line's points; a line of no points adds nothing
+  // an open line takes the first line's points; a line of no points adds nothing; the long
+  // line runs over the boundaries of the point blocks
   tcloud a, b;
   fieldcreate(a);
   fieldcreate(b);
-  const tcloudpoint p{1, 2, 3, 4}, q{5, 6, 7, 8};
+  const tcloudpoint p{1, 2, 3, 0}, q{5, 6, 7, 0};
   addpoint(a, p);
   addpoint(b, p);
-  for (const tcloudpoint& x : {q, p}) addpoint(a, x);
+  tpointblocks blocks;
+  for (const tcloudpoint& x : {q, p}) {
+    addpoint(a, x);
+    blocks.add({x[0], x[1], x[2]});
+  }
   closeline(a, 7);
-  addpoint(a, q);
+  constexpr int64_t longline = 200000;
+  for (int64_t i = 0; i < longline; ++i) {
+    const double x = static_cast<double>(i);
+    addpoint(a, {x, -x, x / 3, 0});
+    blocks.add({x, -x, x / 3});
+  }
   closeline(a, 9);
-  const tcloudpoint points[] = {q, p, q};
-  const tlineentry lines[] = {{2, 7}, {0, 8}, {1, 9}};
-  addlines(b, points, lines);
+  const tlineentry lines[] = {{2, 7}, {0, 8}, {longline, 9}};
+  blocks.moveto(b, lines);
+  EXPECT_EQ(blocks.count(), 0);
   ASSERT_EQ(b.points.length, a.points.length);
-  for (int64_t i = 1; i <= a.points.length; ++i) EXPECT_EQ(b.points.get(i), a.points.get(i));
+  int64_t differ = 0;
+  for (int64_t i = 1; i <= a.points.length; ++i) differ += b.points.get(i) != a.points.get(i);
+  EXPECT_EQ(differ, 0);
   ASSERT_EQ(linecount(b), linecount(a));
   for (int64_t l = 1; l <= linecount(a); ++l) {
     EXPECT_EQ(linerange(b, l).first, linerange(a, l).first);

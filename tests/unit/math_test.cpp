@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <random>
 #include <vector>
 
 #include "library/mathmatrix.h"
@@ -43,6 +44,27 @@ TEST(Vectors, Angles) {
   EXPECT_EQ(vectorangle({0, 0, 0}, {1, 2, 3}), 0.0);
   // Nearly parallel: acos of the dot product would lose this angle entirely.
   EXPECT_NEAR(vectorangle({1, 0, 0}, {1, 1e-9, 0}), 1e-9, 1e-20);
+}
+
+TEST(Vectors, AngleLimitAnswersAsTheAngle) {
+  // the tangent's shortcut, also a hair either side of the limit and at extreme lengths
+  std::mt19937_64 g(11);
+  std::uniform_real_distribution<double> u(-1, 1);
+  int differ = 0, tested = 0;
+  for (double angle : {0.0, 1e-7, 2e-6, pi / 180, 0.3, 1.0, 1.4999, 1.5, 2.0, 3.1}) {
+    const tanglelimit limit = anglelimit(angle);
+    for (int i = 0; i < 4000; ++i, ++tested) {
+      const tvector a = scaled({u(g), u(g), u(g)}, std::exp(u(g) * 150));
+      tvector b{u(g), u(g), u(g)};
+      if (i % 4) {  // b turned from a by about the limit: relatively 1e-15 .. 1e-8 off
+        const tvector e = normalised(cross(cross(a, b), a));
+        const double t = angle * (1 + u(g) * std::pow(10.0, -8 - 7 * (i % 3) / 2.0));
+        b = scaled(added(scaled(normalised(a), std::cos(t)), scaled(e, std::sin(t))), std::exp(u(g) * 150));
+      }
+      differ += anglebeyond(a, b, limit) != (vectorangle(a, b) > angle);
+    }
+  }
+  EXPECT_EQ(differ, 0) << "of " << tested;
 }
 
 // --- matrices --------------------------------------------------------------------------
