@@ -5,6 +5,7 @@
 #include "commands/families.h"
 #include "library/output.h"
 #include "script/registry.h"
+#include "script/variables.h"
 
 namespace {
 
@@ -44,7 +45,7 @@ void modules(tscript& s) {
 
 void variablesfrom(tscript& s, int64_t level) {
   for (const tvariable& v : s.variables)
-    if (v.level >= level) line(s, "  (" + text(v.name) + " := \"" + text(v.value) + "\" [" + std::to_string(v.level) + "]");
+    if (v.level >= level) line(s, "  (" + text(v.name) + " := \"" + text(variablevalue(v)) + "\" [" + std::to_string(v.level) + "]");
 }
 
 void variables(tscript& s) { variablesfrom(s, 0); }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "script/echo.h"
@@ -33,8 +34,32 @@ utf16 opreverse(tscript& s) {
 }
 
 utf16 opblank(tscript& s) { return joinparams(s, " "); }
-utf16 opadd(tscript& s) { return componentwise(s, std::plus<double>()); }
-utf16 opsub(tscript& s) { return componentwise(s, std::minus<double>()); }
+// Sums and differences of a few plain whole numbers, the common case, in integer arithmetic:
+// with at most eight numbers of at most 15 digits no partial result leaves the range where
+// doubles are exact, so the result is the same. False for any other parameters.
+template <int sign>
+bool wholenumbers(const tscript& s, utf16& out) {
+  if (s.params.empty() || s.params.size() > 8) return false;
+  int64_t acc = 0;
+  for (size_t i = 0; i < s.params.size(); ++i) {
+    int64_t n;
+    if (!shortinteger(s.params[i], n)) return false;
+    acc = i == 0 ? n : acc + sign * n;
+  }
+  out = realtext(static_cast<double>(acc));
+  return true;
+}
+
+utf16 opadd(tscript& s) {
+  utf16 out;
+  if (!wholenumbers<1>(s, out)) out = componentwise(s, std::plus<double>());
+  return out;
+}
+utf16 opsub(tscript& s) {
+  utf16 out;
+  if (!wholenumbers<-1>(s, out)) out = componentwise(s, std::minus<double>());
+  return out;
+}
 utf16 opmul(tscript& s) { return componentwise(s, std::multiplies<double>()); }
 utf16 opdiv(tscript& s) {
   return componentwise(s, [](double a, double b) { return b == 0 ? 0.0 : a / b; });
@@ -146,6 +171,48 @@ void store(tscript& s) {
   if (!empty(target) && !s.halted) setvar(s, target, s.result.get());
 }
 
+bool hasat(const utf16& text) { return poschar('@', text) > 0; }
+
+// What of "target op rest" holds while the line and the members stay as they are. A text
+// with "@" changes with the variables, an element target reads the old value, and a ":="
+// before a function calls it: those take the general way.
+void compile(tscript& s, const tstatement& st, tcompiledassignment& c) {
+  c = tcompiledassignment();
+  c.memberrevision = s.memberindex.revision;
+  utf16 rest = st.rest;
+  c.op = cutword(rest, " ");
+  c.target = st.keyword;
+  if (hasat(c.target) || hasat(rest) || charat(c.target, length(c.target)) == ']') return;
+  if (equalutf8(c.op, ":=")) {
+    rest = trimblanks(rest);
+    const utf16 word = cutword(rest, " ");
+    if (isregistered(s, lower(word), tlookup::function)) return;
+    rest = empty(rest) ? word : word + " " + rest;
+    c.plainassign = true;
+  } else {
+    for (const toperatorrow& row : operators)
+      if (equalutf8(c.op, row.op)) c.apply = row.apply;
+  }
+  c.paramtext = rest;
+  c.targetismember = ismember(s, c.target);
+  c.simple = cutparams(s, rest, c.words, c.kinds);
+}
+
+// The store of the general way, with the member test made once, while the target is the
+// first word as the handlers left it.
+void storecompiled(tscript& s, const tcompiledassignment& c) {
+  if (s.halted || !s.target.second.lo.empty() || !equal(s.target.first, c.target)) {
+    store(s);
+    return;
+  }
+  if (empty(c.target)) return;
+  if (c.targetismember) {
+    reporterror(s, utf16("overloaded identifier: ") + c.target);
+    return;
+  }
+  storevariable(s, c.target, s.result.second.lo.empty() ? s.result.first : s.result.get());
+}
+
 }  // namespace
 
 void varstatement(tscript& s, const utf16& keyword, const utf16& rest) {
@@ -222,4 +289,30 @@ void assignment(tscript& s, const utf16& firstword, const utf16& restline) {
   s.result.set(value);
   echoassign(s, s.target.get(), op, value);
   store(s);
+}
+
+void assignment(tscript& s, tstatement& st) {
+  if (!st.assign) st.assign = std::make_shared<tcompiledassignment>();
+  if (st.assign->memberrevision != s.memberindex.revision) compile(s, st, *st.assign);
+  // Held for the statement: a handler may renew the line cache that holds the statement.
+  const std::shared_ptr<const tcompiledassignment> held = st.assign;
+  const tcompiledassignment& c = *held;
+  if (!c.simple || (c.plainassign && !s.withnames.empty())) {
+    assignment(s, utf16(st.keyword), utf16(st.rest));
+    return;
+  }
+  s.target.set(c.target);
+  s.result.clear();
+  s.keyword.set(c.op);
+  setparams(s, c.paramtext, c.words, c.kinds);
+  if (s.halted) return;
+  if (c.plainassign) {
+    s.result.set(joinparams(s, utf16()));
+    if (s.debug) echoassign(s, s.target.get(), c.op, s.result.get());
+  } else {
+    const utf16 value = c.apply ? c.apply(s) : utf16();
+    s.result.set(value);
+    if (s.debug) echoassign(s, s.target.get(), c.op, value);
+  }
+  storecompiled(s, c);
 }

@@ -37,10 +37,29 @@ int64_t saturatedproduct(int64_t q, int64_t p) {
 // A loop on the last line has no body, and its passes read no line: the loop could not end.
 bool bodyless(const tscript& s, int64_t start) { return start >= linecount(s.store); }
 
-// The variables of one pass; an empty text leaves a variable out of that pass.
-struct tpass {
-  utf16 length, rest, count, relative;
+// A value of one pass: a text, or a number that is printed only if the body reads it.
+struct tpassvalue {
+  enum : uint8_t { text, nat, real } kind;
+  utf16 words;
+  int64_t natvalue = 0;
+  double realvalue = 0;
+  tpassvalue(const utf16& t) : kind(text), words(t) {}
+  tpassvalue(int64_t n) : kind(nat), natvalue(n) {}
+  tpassvalue(double r) : kind(real), realvalue(r) {}
 };
+
+// The variables of one pass.
+struct tpass {
+  tpassvalue length, rest, count, relative;
+};
+
+void newlocal(tscript& s, const utf16& name, const tpassvalue& v) {
+  switch (v.kind) {
+    case tpassvalue::text: newlocal(s, name, v.words); break;
+    case tpassvalue::nat: newlocalnat(s, name, v.natvalue); break;
+    case tpassvalue::real: newlocalreal(s, name, v.realvalue); break;
+  }
+}
 
 // Held as texts of the engine, made once: a pass sets its variables without converting names.
 struct tloopnames {
@@ -91,7 +110,7 @@ void countingloop(tscript& s, const tloopnames& names, const utf16& echoword, Vi
     for (int64_t k = 1; k <= len; ++k) {
       const int64_t i = n < 0 ? -k : k;
       if (!visit(k, i)) continue;
-      if (!pass({nattext(len), nattext(saturateddifference(len, i)), nattext(i), realtext(static_cast<double>(i) / static_cast<double>(n))})) break;
+      if (!pass({len, saturateddifference(len, i), i, static_cast<double>(i) / static_cast<double>(n)})) break;
     }
   } else if (paramcount(s) == 2) {
     const int64_t a = truncated(s.params[0]), b = truncated(s.params[1]);
@@ -101,7 +120,7 @@ void countingloop(tscript& s, const tloopnames& names, const utf16& echoword, Vi
     const int64_t len = saturateddifference(span, -1), step = a <= b ? 1 : -1;
     for (int64_t i = a, k = 1;; i += step, ++k) {
       const double relative = 1.0 / static_cast<double>(len) + std::fabs(static_cast<double>(i) - static_cast<double>(a));
-      if (visit(k, i) && !pass({nattext(len), nattext(saturateddifference(len, i)), nattext(i), realtext(relative)})) break;
+      if (visit(k, i) && !pass({len, saturateddifference(len, i), i, relative})) break;
       if (i == b) break;
     }
   } else if (paramcount(s) == 3) {
@@ -114,7 +133,7 @@ void countingloop(tscript& s, const tloopnames& names, const utf16& echoword, Vi
     for (double v = a;; v += step, ++k) {
       if (step >= 0 ? v > b + std::fabs(step) * 1e-9 : v < b - std::fabs(step) * 1e-9) break;
       if (step == 0 && k > 1 && bodyless(s, start)) break;
-      if (visit(k, roundnat(v)) && !pass({len, utf16(), realtext(v), utf16()})) break;
+      if (visit(k, roundnat(v)) && !pass({len, utf16(), v, utf16()})) break;
     }
   } else {
     reportmin(s, 1);
@@ -209,9 +228,9 @@ void forrandomloop(tscript& s, tframe& f) {
   int64_t end = start;
   for (int64_t i = 1; i <= n && !s.halted; ++i) {
     const double v = values->get(i);
-    const utf16 relative = form == 1 ? realtext(static_cast<double>(i) / static_cast<double>(n))
-                                     : realtext(1.0 / static_cast<double>(n) + (static_cast<double>(i) - a));
-    end = runpass(s, start, fornames, {nattext(n), nattext(n - i), form == 3 ? realtext(v) : nattext(roundnat(v)), relative});
+    const double relative = form == 1 ? static_cast<double>(i) / static_cast<double>(n)
+                                      : 1.0 / static_cast<double>(n) + (static_cast<double>(i) - a);
+    end = runpass(s, start, fornames, {n, n - i, form == 3 ? tpassvalue(v) : tpassvalue(roundnat(v)), relative});
   }
   if (n > 0) s.line = end;
   else passover(s, "for");

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include "script/frame.h"
@@ -12,32 +13,6 @@
 #include "shell/console.h"
 
 namespace {
-
-// The one-line forms "then <statement>", "else <statement>" and "of <value> <statement>":
-// a false test still lets a bare halt or break through.
-void onelineform(const tframe& frame, utf16& keyword, utf16& rest) {
-  bool runs;
-  utf16 statement = rest;
-  if (equalutf8(keyword, "if.then") || equalutf8(keyword, "then") || equalutf8(keyword, "if.true")) {
-    runs = frame.condition;
-  } else if (equalutf8(keyword, "if.else") || equalutf8(keyword, "else") || equalutf8(keyword, "if.false")) {
-    runs = !frame.condition;
-  } else if (equalutf8(keyword, "of") && poschar(' ', rest) > 0) {
-    runs = equal(cutword(statement, " "), frame.casevalue);
-    statement = trimblanks(statement);
-  } else {
-    return;
-  }
-  if (runs) {
-    keyword = lower(cutword(statement, " "));
-    rest = trimblanks(statement);
-    return;
-  }
-  if (equalutf8(rest, "halt")) keyword = "halt";
-  else if (equalutf8(rest, "break")) keyword = "break";
-  else keyword = utf16();
-  rest = utf16();
-}
 
 // What follows the first word passes through the engine's long fields.
 utf16 longfield(const utf16& text) {
@@ -72,16 +47,59 @@ void callstatement(tscript& s, const utf16& keyword, const utf16& rest) {
   callproc(s, s.line, name);
 }
 
-void dispatch(tscript& s, tframe& frame, const utf16& keyword) {
-  if (tkeywordaction action = findkeyword(keyword)) {
-    action(s, frame);
-  } else if (startsascii(keyword, "var") || startsascii(keyword, "local") || startsascii(keyword, "global")) {
-    varstatement(s, keyword, frame.rest);
-  } else if (isassignment(frame.rest)) {
-    assignment(s, keyword, frame.rest);
-  } else {
-    callstatement(s, keyword, frame.rest);
+// The dispatch of a statement in the order of the language: keywords of the loop, then
+// var, local and global by prefix, then the assignment test, then the procedure call.
+void classify(tstatement& st) {
+  if (equalutf8(st.keyword, "halt")) st.flow = tflow::halt;
+  else if (equalutf8(st.keyword, "break")) st.flow = tflow::brk;
+  else if (equalutf8(st.keyword, "end") || equalutf8(st.keyword, "until")) st.flow = tflow::end;
+  else if (empty(st.keyword)) st.flow = tflow::empty;
+  else if (equalutf8(st.keyword, "begin")) st.flow = tflow::begin;
+  st.action = findkeyword(st.keyword);
+  if (st.action) st.form = tform::keyword;
+  else if (startsascii(st.keyword, "var") || startsascii(st.keyword, "local") || startsascii(st.keyword, "global"))
+    st.form = tform::variable;
+  else if (isassignment(st.rest)) st.form = tform::assignment;
+  else st.form = tform::call;
+}
+
+// The statement's own texts are copied where a handler may run before they are read again:
+// a handler may splice lines into the store, and that renews the cache that holds them.
+void dispatch(tscript& s, tframe& frame, tstatement& st) {
+  switch (st.form) {
+    case tform::keyword: st.action(s, frame); break;
+    case tform::variable: varstatement(s, utf16(st.keyword), frame.rest); break;
+    case tform::assignment: assignment(s, st); break;
+    case tform::call: callstatement(s, utf16(st.keyword), frame.rest); break;
   }
+}
+
+// The one-line forms "then <statement>", "else <statement>" and "of <value> <statement>",
+// cut once: the test itself is made at each visit.
+std::unique_ptr<tonelineform> onelineform(const tstatement& whole) {
+  const utf16& keyword = whole.keyword;
+  auto form = std::make_unique<tonelineform>();
+  utf16 statement = whole.rest;
+  if (empty(statement)) return nullptr;
+  if (equalutf8(keyword, "if.then") || equalutf8(keyword, "then") || equalutf8(keyword, "if.true")) {
+    form->kind = toneline::then;
+  } else if (equalutf8(keyword, "if.else") || equalutf8(keyword, "else") || equalutf8(keyword, "if.false")) {
+    form->kind = toneline::otherwise;
+  } else if (equalutf8(keyword, "of") && poschar(' ', statement) > 0) {
+    form->kind = toneline::of;
+    form->casevalue = cutword(statement, " ");
+    statement = trimblanks(statement);
+  } else {
+    return nullptr;
+  }
+  form->inner.keyword = lower(cutword(statement, " "));
+  form->inner.rest = trimblanks(statement);
+  classify(form->inner);
+  // A failed test still lets a bare halt or break through.
+  if (equalutf8(whole.rest, "halt")) form->passed.keyword = "halt";
+  else if (equalutf8(whole.rest, "break")) form->passed.keyword = "break";
+  classify(form->passed);
+  return form;
 }
 
 }  // namespace
@@ -122,31 +140,50 @@ bool nestedtoodeep(const tscript& s) {
   return s.level > maxlevel || deepstack;
 }
 
-// The line cut into its first word (lower case) and the rest; false for a line without a
-// statement. A loop reads the same lines again and again, so the cut is kept per line as long
-// as the store is unchanged; a line hook may change the store at any time, and so gets none.
-bool readstatement(tscript& s, int64_t line, utf16& keyword, utf16& rest) {
+// The line cut into its first word (lower case) and the rest, with what the loop makes of
+// them. A loop reads the same lines again and again, so this is kept per line as long as the
+// store is unchanged; a line hook may change the store at any time, and so gets none.
+void prepare(const tscript& s, int64_t line, tpreparedline& p) {
+  utf16 rest = preparedline(s, line);
+  p.statement = !empty(rest);
+  p.whole.keyword = lower(cutword(rest, " "));
+  p.whole.rest = longfield(trimblanks(rest));
+  classify(p.whole);
+  p.oneline = onelineform(p.whole);
+  p.ready = true;
+}
+
+tpreparedline& readstatement(tscript& s, int64_t line, std::unique_ptr<tpreparedline>& scratch) {
   tstatementcache& cache = s.cache;
   const bool cacheable = s.store.revision != 0 && !s.linehook;
   if (cacheable && cache.storerevision != s.store.revision) {
     cache.storerevision = s.store.revision;
-    cache.lines.assign(static_cast<size_t>(linecount(s.store)) + 1, tpreparedline());
+    cache.lines.clear();
+    cache.lines.resize(static_cast<size_t>(linecount(s.store)) + 1);
   }
-  if (cacheable && line < static_cast<int64_t>(cache.lines.size()) && cache.lines[static_cast<size_t>(line)].ready) {
-    const tpreparedline& p = cache.lines[static_cast<size_t>(line)];
-    keyword = p.keyword;
-    rest = p.rest;
-    return !empty(keyword) || !empty(rest);
+  if (!cacheable || line >= static_cast<int64_t>(cache.lines.size())) {
+    scratch = std::make_unique<tpreparedline>();
+    prepare(s, line, *scratch);
+    return *scratch;
   }
-  rest = preparedline(s, line);
-  const bool statement = !empty(rest);
-  keyword = lower(cutword(rest, " "));
-  rest = longfield(trimblanks(rest));
-  if (cacheable && line < static_cast<int64_t>(cache.lines.size())) {
-    tpreparedline& p = cache.lines[static_cast<size_t>(line)];
-    p = {true, keyword, rest};
+  tpreparedline& p = cache.lines[static_cast<size_t>(line)];
+  if (!p.ready) prepare(s, line, p);
+  return p;
+}
+
+// The statement that runs: the line's own, or for a one-line branch form the one behind the
+// test, or what remains when the test fails.
+tstatement& chosen(const tframe& frame, tpreparedline& p) {
+  if (!p.oneline) return p.whole;
+  tonelineform& form = *p.oneline;
+  bool runs = false;
+  switch (form.kind) {
+    case toneline::then: runs = frame.condition; break;
+    case toneline::otherwise: runs = !frame.condition; break;
+    case toneline::of: runs = equal(form.casevalue, frame.casevalue); break;
+    case toneline::none: return p.whole;
   }
-  return statement;
+  return runs ? form.inner : form.passed;
 }
 
 int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
@@ -156,37 +193,41 @@ int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
   ++s.level;
   // Each level holds a frame on the machine's stack: endless recursion must stop as an error.
   if (!s.halted && nestedtoodeep(s)) reporterror(s, "Too many nested blocks!");
+  std::unique_ptr<tpreparedline> scratch;  // for a line that the cache doesn't hold
   for (;;) {
     // The count is read each time: an include makes the store grow under the loop.
     if (line >= linecount(s.store) || s.halted) return line;
     if (s.linehook) s.linehook(s.store);
     s.line = ++line;
-    utf16 keyword, rest;
-    if (!readstatement(s, line, keyword, rest) && storefile < 0) continue;
+    // The entry is read again at each line: a statement that splices lines into the store
+    // renews the cache.
+    tpreparedline& p = readstatement(s, line, scratch);
+    if (!p.statement && storefile < 0) continue;
     s.target.clear();
     s.result.clear();
-    if (storefile < 0 && !empty(rest)) onelineform(frame, keyword, rest);
-    s.keyword.set(keyword);
-    if (equalutf8(keyword, "halt")) {
-      splitparams(s, rest);
+    tstatement& st = storefile < 0 ? chosen(frame, p) : p.whole;
+    s.keyword.set(st.keyword);
+    if (st.flow == tflow::halt) {
+      splitparams(s, st.rest);
       halt(s);
       continue;
     }
-    if (equalutf8(keyword, "break")) {
-      splitparams(s, rest);
+    if (st.flow == tflow::brk) {
+      splitparams(s, st.rest);
       breakscript(s);
       continue;
     }
-    if (equalutf8(keyword, "end") || equalutf8(keyword, "until")) {
-      const utf16 word = untilfirst(rest, " ");
+    if (st.flow == tflow::end) {
+      const utf16 word = untilfirst(st.rest, " ");
       s.result.set(hasvar(s, word) >= 0 ? getvar(s, word) : word);
       closelevel(s);
       return line;
     }
-    frame.rest = rest;
+    frame.rest = st.rest;
     if (storefile >= 0) {
       // A store block writes its own lines; a nested store or append opens its own file,
       // other nested blocks are passed over unwritten.
+      const utf16 keyword = st.keyword;
       if (equalutf8(keyword, "store") || equalutf8(keyword, "append")) {
         findkeyword(keyword)(s, frame);
       } else if (opensblock(keyword) || isblockmember(s, keyword)) {
@@ -197,12 +238,12 @@ int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
         storeline(s, frame, raw);
         s.line = line;
       }
-    } else if (empty(keyword) || equalutf8(keyword, "begin")) {
+    } else if (st.flow == tflow::empty || st.flow == tflow::begin) {
       continue;
     } else if (!execute) {
-      if (opensblock(keyword) || isblockmember(s, keyword)) s.line = runblock(s, keyword + ".ignore", false);
+      if (opensblock(st.keyword) || isblockmember(s, st.keyword)) s.line = runblock(s, st.keyword + ".ignore", false);
     } else {
-      dispatch(s, frame, keyword);
+      dispatch(s, frame, st);
     }
     line = s.line;
   }

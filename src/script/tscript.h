@@ -39,10 +39,21 @@ struct tmember {
   int64_t level = 0;
 };
 
+// A number given to a variable and not printed yet: it is printed at the first read, in the
+// number format of the moment it was given, so a loop variable that no one reads costs no
+// printing.
+struct tpendingnumber {
+  enum : uint8_t { none, nat, real } kind = none;
+  bool scientific = false, decimal = true, digit = false;
+  int64_t natvalue = 0;
+  double realvalue = 0;
+};
+
 struct tvariable {
   utf16 name;  // lower case, blanks made into '.'
-  utf16 value;  // at most 254 characters
+  mutable utf16 value;  // at most 254 characters; read it through variablevalue
   int64_t level = 0;
+  mutable tpendingnumber pending;
 };
 
 // An output file of a store/append block or of output.store.

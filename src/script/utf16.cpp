@@ -1,6 +1,7 @@
 #include "script/utf16.h"
 
 #include <algorithm>
+#include <cstring>
 
 bool stringcomparealigned = false;
 
@@ -122,6 +123,12 @@ namespace {
 // -1, 0, 1 by characters over the common length
 int compareprefix(const utf16& a, const utf16& b) {
   const int64_t n = std::min(length(a), length(b));
+  const auto common = static_cast<size_t>(n);
+  if (a.hi.size() >= common && b.hi.size() >= common && std::memcmp(a.hi.data(), b.hi.data(), common) == 0) {
+    // Equal high planes, as in all names of plain ASCII: the low bytes decide, in order.
+    const int bybytes = std::memcmp(a.lo.data(), b.lo.data(), common);
+    return bybytes == 0 ? 0 : (bybytes < 0 ? -1 : 1);
+  }
   for (int64_t i = 1; i <= n; ++i) {
     const uint16_t ca = charat(a, i), cb = charat(b, i);
     if (ca != cb) return ca < cb ? -1 : 1;
@@ -210,9 +217,12 @@ int64_t lastpos(const utf16& needle, const utf16& hay) {
 }
 
 int64_t poschar(uint16_t c, const utf16& hay) {
-  const int64_t n = length(hay);
-  for (int64_t i = 1; i <= n; ++i)
-    if (charat(hay, i) == c) return i;
+  // The low plane is searched first; a hit counts where the high byte agrees.
+  const char low = static_cast<char>(c & 0xFF), high = static_cast<char>(c >> 8);
+  for (size_t at = hay.lo.find(low); at != std::string::npos; at = hay.lo.find(low, at + 1)) {
+    const char h = at < hay.hi.size() ? hay.hi[at] : '\0';
+    if (h == high) return static_cast<int64_t>(at) + 1;
+  }
   return 0;
 }
 
@@ -325,7 +335,13 @@ utf16 untilfirst(const utf16& v, const utf16& sep) {
 }
 
 void utf16field::set(const utf16& v) {
-  if (length(v) <= cellmax + 1) {
+  if (length(v) <= cellmax) {
+    // Assigned in place: the engine sets its fields at every statement.
+    first.lo = v.lo;
+    first.hi = v.hi;
+    second.lo.clear();
+    second.hi.clear();
+  } else if (length(v) == cellmax + 1) {
     first = celfromutf16(v);
     second = utf16();
   } else {

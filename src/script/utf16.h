@@ -78,7 +78,7 @@ utf16 untilfirst(const utf16& v, const utf16& sep);
 struct utf16field {
   utf16 first, second;
   void set(const utf16& v);
-  utf16 get() const { return concat(first, second); }
+  utf16 get() const { return second.lo.empty() ? first : concat(first, second); }
   void clear() { first = utf16(); second = utf16(); }
   bool isempty() const { return empty(first) && empty(second); }
 };

@@ -37,6 +37,9 @@ void restorenumberformat(const tnumberformat& saved);
 
 // Readers. Each consuming form removes what it read from the front of the text.
 double textreal(const utf16& text);
+// A text of an optional minus and 1 to 15 decimal digits, which every reader takes as that
+// whole number exactly; false for any other text.
+bool shortinteger(const utf16& text, int64_t& value);
 int64_t textnat(const utf16& text);
 bool textbool(const utf16& text);
 double cutreal(utf16& text);

@@ -143,9 +143,28 @@ std::string plainrealtext(double x) {
   return tidy(removenoise(fixeddecimals(x, 16)));
 }
 
-utf16 realtext(double x) { return utf16(realstring(x, -1)); }
+namespace {
+// The digits of a whole number as text, without a detour through UTF-8.
+utf16 integertext(int64_t n) {
+  char buffer[24];
+  const auto [end, failed] = std::to_chars(buffer, buffer + sizeof buffer, n);
+  utf16 out;
+  out.lo.assign(buffer, end);
+  out.hi.assign(out.lo.size(), '\0');
+  return out;
+}
+}  // namespace
+
+utf16 realtext(double x) {
+  // Whole numbers print as their digits unless the scientific form may shorten them.
+  if (!numbersettings.scientific && x == std::trunc(x) && std::fabs(x) < 1e14) return integertext(static_cast<int64_t>(x));
+  return utf16(realstring(x, -1));
+}
 utf16 roundedrealtext(double x, int digits) { return utf16(realstring(x, std::max(digits, 0))); }
-utf16 nattext(int64_t n) { return utf16(natstring(n)); }
+utf16 nattext(int64_t n) {
+  if (!numbersettings.scientific && !numbersettings.digit) return integertext(n);
+  return utf16(natstring(n));
+}
 
 utf16 reallisttext(std::span<const double> values, bool full, int digits) {
   return utf16(reallist(values, full, digits));

@@ -252,8 +252,33 @@ bool plaininteger(const utf16& text, double& value) {
   if (digits == s.size() || s.size() > 30) return false;
   if (!std::all_of(s.begin() + static_cast<long>(digits), s.end(), isdecimal)) return false;
   if (text.hi.find_first_not_of('\0') != std::string::npos) return false;
+  if (s.size() - digits <= 15) {
+    // Up to 15 digits the number is exact in a double, as the scanner would read it.
+    int64_t n = 0;
+    for (size_t i = digits; i < s.size(); ++i) n = n * 10 + (s[i] - '0');
+    value = digits ? -static_cast<double>(n) : static_cast<double>(n);
+    return true;
+  }
   return convert(s, value);
 }
+
+}  // namespace
+
+bool shortinteger(const utf16& text, int64_t& value) {
+  const std::string& s = text.lo;
+  const size_t sign = !s.empty() && s[0] == '-' ? 1 : 0;
+  if (sign == s.size() || s.size() - sign > 15) return false;
+  int64_t n = 0;
+  for (size_t i = sign; i < s.size(); ++i) {
+    if (!isdecimal(s[i]) || text.hi[i] != 0) return false;
+    n = n * 10 + (s[i] - '0');
+  }
+  if (sign && text.hi[0] != 0) return false;
+  value = sign ? -n : n;
+  return true;
+}
+
+namespace {
 
 }  // namespace
 

@@ -9,9 +9,21 @@
 
 namespace {
 
-utf16 variablename(const utf16& name) {
-  const bool plain = std::none_of(name.lo.begin(), name.lo.end(), [](char c) { return c == ' ' || (c >= 'A' && c <= 'Z'); });
-  return plain ? name : lower(replacechar(name, ' ', '.'));
+bool plainname(const utf16& name) {
+  return std::none_of(name.lo.begin(), name.lo.end(), [](char c) { return c == ' ' || (c >= 'A' && c <= 'Z'); });
+}
+
+utf16 variablename(const utf16& name) { return plainname(name) ? name : lower(replacechar(name, ' ', '.')); }
+
+// The name as the list holds it, made in `scratch` only when it differs.
+const utf16& variablename(const utf16& name, utf16& scratch) {
+  if (plainname(name)) return name;
+  scratch = lower(replacechar(name, ' ', '.'));
+  return scratch;
+}
+
+bool samename(const utf16& a, const utf16& b) {
+  return a.lo.size() == b.lo.size() && a.lo == b.lo && a.hi == b.hi;
 }
 
 // Index of the first variable of `level` or above; the list is ordered by level.
@@ -62,6 +74,14 @@ bool elementtarget(const tscript& s, utf16& name, utf16& value) {
 // shrinks to a short one puts it out of step (count -1).
 constexpr size_t walklimit = 48;
 
+uint64_t namebit(const utf16& name) {
+  const unsigned first = name.lo.empty() ? 0u : static_cast<unsigned char>(name.lo[0]);
+  const uint64_t mixed = (name.lo.size() * 0x9E3779B97F4A7C15ull) ^ (first * 0xC2B2AE3D27D4EB4Full);
+  return uint64_t{1} << (mixed >> 58);
+}
+
+void notename(tscript& s, const utf16& name) { s.variableindex.namemask |= namebit(name); }
+
 bool instep(const tscript& s) { return s.variableindex.indexed == static_cast<int64_t>(s.variables.size()); }
 
 const tvariableindex& indexed(const tscript& s) {
@@ -74,20 +94,26 @@ const tvariableindex& indexed(const tscript& s) {
   return index;
 }
 
+// The newest entry of the list, just appended, enters the index.
+void indexnewest(tscript& s) {
+  notename(s, s.variables.back().name);
+  if (s.variableindex.indexed != static_cast<int64_t>(s.variables.size()) - 1) return;
+  s.variableindex.chains[s.variables.back().name].push_back(static_cast<int64_t>(s.variables.size()) - 1);
+  ++s.variableindex.indexed;
+}
+
 void addvariable(tscript& s, tvariable v) {
-  if (instep(s)) {
-    s.variableindex.chains[v.name].push_back(static_cast<int64_t>(s.variables.size()));
-    ++s.variableindex.indexed;
-  }
   s.variables.push_back(std::move(v));
+  indexnewest(s);
 }
 
 // The newest entry of name below position `below`, or -1.
 int64_t findvariable(const tscript& s, const utf16& name, int64_t below = INT64_MAX) {
+  if ((s.variableindex.namemask & namebit(name)) == 0) return -1;
   const int64_t count = static_cast<int64_t>(s.variables.size());
   if (s.variables.size() <= walklimit) {
     for (int64_t i = std::min(below, count) - 1; i >= 0; --i)
-      if (equal(s.variables[static_cast<size_t>(i)].name, name)) return i;
+      if (samename(s.variables[static_cast<size_t>(i)].name, name)) return i;
     return -1;
   }
   const tvariableindex& index = indexed(s);
@@ -102,13 +128,24 @@ int64_t findvariable(const tscript& s, const utf16& name, int64_t below = INT64_
 }  // namespace
 
 void setvarquiet(tscript& s, const utf16& name, const utf16& value) {
-  const utf16 key = variablename(name);
+  utf16 scratch;
+  storevariable(s, variablename(name, scratch), value);
+}
+
+void storevariable(tscript& s, const utf16& key, const utf16& value) {
   const int64_t at = findvariable(s, key);
   if (at >= 0) {
-    s.variables[static_cast<size_t>(at)].value = celfromutf16(value);
+    tvariable& v = s.variables[static_cast<size_t>(at)];
+    if (length(value) <= cellmax) {
+      v.value.lo = value.lo;
+      v.value.hi = value.hi;
+    } else {
+      v.value = celfromutf16(value);
+    }
+    v.pending.kind = tpendingnumber::none;
     return;
   }
-  addvariable(s, {celfromutf16(key), celfromutf16(value), s.level});
+  addvariable(s, {celfromutf16(key), celfromutf16(value), s.level, {}});
 }
 
 namespace {
@@ -133,30 +170,95 @@ void setglobal(tscript& s, const utf16& name, const utf16& value, int64_t level)
   if (!assignable(s, key, text)) return;
   const int64_t at = findvariable(s, key);
   if (at >= 0) {
-    s.variables[static_cast<size_t>(at)].value = celfromutf16(text);
+    tvariable& v = s.variables[static_cast<size_t>(at)];
+    v.value = celfromutf16(text);
+    v.pending.kind = tpendingnumber::none;
     return;
   }
   // Keep the list sorted by level: the new entry goes behind the last one of its level.
   const size_t place = firstoflevel(s, level + 1);
-  s.variables.insert(s.variables.begin() + static_cast<long>(place), {celfromutf16(key), celfromutf16(text), level});
+  s.variables.insert(s.variables.begin() + static_cast<long>(place), {celfromutf16(key), celfromutf16(text), level, {}});
+  notename(s, s.variables[place].name);
   s.variableindex.indexed = -1;
 }
 
+namespace {
+// A new entry at level + 1; the names of the loops are plain and short, and are copied as
+// they stand.
+tvariable& newentry(tscript& s, const utf16& name, bool plain = false) {
+  tvariable& v = s.variables.emplace_back();
+  if (plain || (plainname(name) && length(name) <= cellmax)) {
+    v.name = name;
+  } else {
+    v.name = variablename(name);
+    if (length(v.name) > cellmax) v.name = copy(v.name, 1, cellmax);
+  }
+  v.level = s.level + 1;
+  indexnewest(s);
+  return v;
+}
+
+void newlocalpending(tscript& s, const utf16& name, const tpendingnumber& pending) {
+  newentry(s, name, true).pending = pending;
+}
+}  // namespace
+
 void newlocal(tscript& s, const utf16& name, const utf16& value) {
-  utf16 key = variablename(name);
-  if (length(key) > cellmax) key = copy(key, 1, cellmax);
-  addvariable(s, {std::move(key), celfromutf16(value), s.level + 1});
+  tvariable& v = newentry(s, name);
+  v.value = length(value) <= cellmax ? value : copy(value, 1, cellmax);
+}
+
+namespace {
+
+tpendingnumber pendingnumber() {
+  tpendingnumber p;
+  p.scientific = numbersettings.scientific;
+  p.decimal = numbersettings.decimal;
+  p.digit = numbersettings.digit;
+  return p;
+}
+}  // namespace
+
+void newlocalnat(tscript& s, const utf16& name, int64_t value) {
+  tpendingnumber p = pendingnumber();
+  p.kind = tpendingnumber::nat;
+  p.natvalue = value;
+  newlocalpending(s, name, p);
+}
+
+void newlocalreal(tscript& s, const utf16& name, double value) {
+  tpendingnumber p = pendingnumber();
+  p.kind = tpendingnumber::real;
+  p.realvalue = value;
+  newlocalpending(s, name, p);
+}
+
+const utf16& variablevalue(const tvariable& v) {
+  tpendingnumber& p = v.pending;
+  if (p.kind == tpendingnumber::none) return v.value;
+  const tnumberformat now = savenumberformat();
+  restorenumberformat({p.scientific, p.decimal, p.digit});
+  v.value = celfromutf16(p.kind == tpendingnumber::nat ? nattext(p.natvalue) : realtext(p.realvalue));
+  restorenumberformat(now);
+  p.kind = tpendingnumber::none;
+  return v.value;
 }
 
 utf16 getvar(const tscript& s, const utf16& name) {
-  const int64_t at = findvariable(s, variablename(name));
-  return at >= 0 ? s.variables[static_cast<size_t>(at)].value : utf16();
+  utf16 scratch;
+  const int64_t at = findvariable(s, variablename(name, scratch));
+  return at >= 0 ? variablevalue(s.variables[static_cast<size_t>(at)]) : utf16();
 }
 
-int64_t hasvar(const tscript& s, const utf16& name) { return findvariable(s, variablename(name)); }
+int64_t hasvar(const tscript& s, const utf16& name) {
+  utf16 scratch;
+  return findvariable(s, variablename(name, scratch));
+}
 
 void forgetvariables(tscript& s, int64_t level) {
   std::erase_if(s.variables, [level](const tvariable& v) { return v.level >= level; });
+  s.variableindex.namemask = 0;
+  for (const tvariable& v : s.variables) notename(s, v.name);
   s.variableindex.indexed = -1;
 }
 
@@ -208,22 +310,29 @@ utf16 macrosubstitute(const tscript& s, const utf16& text) {
   utf16 out = text;
   for (auto i = s.variables.rbegin(); i != s.variables.rend(); ++i) {
     if (empty(i->name)) continue;
-    out = replace(out, utf16("@") + i->name, i->value);
-    out = replace(out, utf16("@") + upper(i->name), upper(i->value));
+    out = replace(out, utf16("@") + i->name, variablevalue(*i));
+    out = replace(out, utf16("@") + upper(i->name), upper(variablevalue(*i)));
     if (poschar('@', out) == 0) break;
   }
   return out;
 }
 
+namespace {
+bool haslarge(const utf16& text) {
+  return std::any_of(text.lo.begin(), text.lo.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+}
+}  // namespace
+
 utf16 substituteword(const tscript& s, const utf16& word) {
   // Each value found is looked up again as a name among the older entries.
-  utf16 out = word;
-  utf16 key = lower(word);
-  for (int64_t at = findvariable(s, key); at >= 0; at = findvariable(s, key, at)) {
-    out = s.variables[static_cast<size_t>(at)].value;
-    key = lower(out);
+  const utf16* out = &word;
+  utf16 lowered;
+  const utf16* key = haslarge(word) ? &(lowered = lower(word)) : &word;
+  for (int64_t at = findvariable(s, *key); at >= 0; at = findvariable(s, *key, at)) {
+    out = &variablevalue(s.variables[static_cast<size_t>(at)]);
+    key = haslarge(*out) ? &(lowered = lower(*out)) : out;
   }
-  return out;
+  return *out;
 }
 
 namespace {
@@ -326,6 +435,12 @@ void cutwords(const tscript& s, utf16 text, bool raw, std::vector<utf16>& words,
 // The cut depends on the text and the members; the number settings change what "#", "$" and
 // "%" words give, so texts with those are cut each time.
 void cachedcutwords(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+  if (empty(text)) {
+    // A statement without parameters, such as a call of a procedure, has nothing to cut.
+    words.clear();
+    kinds.clear();
+    return;
+  }
   tstatementcache& cache = s.cache;
   const bool cacheable = text.lo.find_first_of("#$%") == std::string::npos;
   if (!cacheable) {
@@ -349,9 +464,7 @@ void cachedcutwords(tscript& s, const utf16& text, bool raw, std::vector<utf16>&
   cuts.emplace(text, tcutwords{words, kinds});
 }
 
-// One split of the statement text into words with kinds, each word then substituted.
-void split(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
-  cachedcutwords(s, text, raw, words, kinds);
+void substitutewords(tscript& s, std::vector<utf16>& words, const std::vector<uint8_t>& kinds) {
   for (size_t i = 0; i < words.size() && !s.halted; ++i) {
     utf16& w = words[i];
     if (empty(w)) continue;
@@ -370,7 +483,27 @@ void split(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, s
   }
 }
 
+// One split of the statement text into words with kinds, each word then substituted.
+void split(tscript& s, const utf16& text, bool raw, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+  cachedcutwords(s, text, raw, words, kinds);
+  substitutewords(s, words, kinds);
+}
+
 }  // namespace
+
+bool cutparams(const tscript& s, const utf16& text, std::vector<utf16>& words, std::vector<uint8_t>& kinds) {
+  if (text.lo.find_first_of("#$%") != std::string::npos) return false;
+  cutwords(s, text, false, words, kinds);
+  return true;
+}
+
+void setparams(tscript& s, const utf16& text, const std::vector<utf16>& words, const std::vector<uint8_t>& kinds) {
+  s.paramtext = text;
+  s.rawparamsready = false;
+  s.params = words;
+  s.paramkinds = kinds;
+  substitutewords(s, s.params, s.paramkinds);
+}
 
 void splitparams(tscript& s, const utf16& rest) {
   s.paramtext = macrosubstitute(s, rest);
