@@ -155,7 +155,7 @@ void prepare(const tscript& s, int64_t line, tpreparedline& p) {
 
 tpreparedline& readstatement(tscript& s, int64_t line, std::unique_ptr<tpreparedline>& scratch) {
   tstatementcache& cache = s.cache;
-  const bool cacheable = s.store.revision != 0 && !s.linehook;
+  const bool cacheable = s.store.revision != 0;
   if (cacheable && cache.storerevision != s.store.revision) {
     cache.storerevision = s.store.revision;
     cache.lines.clear();
@@ -196,8 +196,9 @@ int64_t runframe(tscript& s, int64_t line, bool execute, int64_t storefile) {
   std::unique_ptr<tpreparedline> scratch;  // for a line that the cache doesn't hold
   for (;;) {
     // The count is read each time: an include makes the store grow under the loop.
+    if (s.linebudget == 0) s.halted = true;
     if (line >= linecount(s.store) || s.halted) return line;
-    if (s.linehook) s.linehook(s.store);
+    if (s.linebudget > 0) --s.linebudget;
     s.line = ++line;
     // The entry is read again at each line: a statement that splices lines into the store
     // renews the cache.

@@ -113,7 +113,9 @@ struct tscript {
 
   bool debug = true;           // echo of statements and syntax repair
   bool repairallowed = true;   // the repair dialogue may open
-  void (*linehook)(tlinestore&) = nullptr;
+  // Lines a run may still execute before it halts, -1 for no limit: a caller that cannot wait
+  // for the loops without end that the language allows (a fuzzer) bounds them with it.
+  int64_t linebudget = -1;
 };
 
 // The one engine of the program; sub-scripts of "run" make engines of their own.

@@ -11,16 +11,6 @@
 #include "script/tscript.h"
 #include "shell/console.h"
 
-namespace {
-tscript* current = nullptr;
-int64_t executedlines = 0;
-
-// Loops without end are part of the language; a run is cut after a fixed number of lines.
-void countline(tlinestore&) {
-  if (++executedlines > 20000) current->halted = true;
-}
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string text(reinterpret_cast<const char*>(data), size);
   std::string lowered = text;
@@ -34,9 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   consoleon = false;
   interactive = false;
   tscript s;
-  current = &s;
-  executedlines = 0;
-  s.linehook = countline;
+  // Loops without end are part of the language; a run is cut after a fixed number of lines.
+  s.linebudget = 20000;
   registerallcommands(s);
   load(s.store, utf16(path));
   runscript(s);
