@@ -278,8 +278,9 @@ void tfieldmemory::resize(int64_t count) {
     uint8_t* fresh = obtain(count, element);
     shadow = addressof(fresh);
     if (!fresh) {
-      // The old block is abandoned with the record: the field has become empty.
+      // The record lets go of its old block and becomes empty; the block goes back to the heap.
       report("  Not enough Memory! Create empty field.");
+      guardcheck(*this, "Newlength-static", data);
       data = nullptr;
       setempty(*this);
       return;
@@ -326,6 +327,7 @@ void tfieldmemory::resize(int64_t count) {
       return;
     }
     report("  Not enough Memory! Create empty field.");
+    guardcheck(*this, "Newlength-dynamic", data);
     data = nullptr;
     setempty(*this);
     return;

@@ -27,7 +27,6 @@ void addcamera(tmesh& m, int64_t w, int64_t h, tcamerashape shape, const std::op
   if (w < side && h < side) meshreserve(m, w * h, (w + 1) * (h + 1));
   if (w >= side || h >= side || m.faces.maximal < w * h || m.points.maximal < (w + 1) * (h + 1)) {
     println("  Screen too large (" + std::to_string(w) + " x " + std::to_string(h) + ")!");
-    fieldrelease(m);
     return fieldcreate(m);
   }
   for (int64_t j = 0; j <= h; ++j) {
