@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "commands/commandtable.h"
+#include "field/memory.h"
 #include "script/run.h"
 #include "script/tscript.h"
 #include "shell/console.h"
@@ -23,6 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::ofstream(path, std::ios::binary) << text;
   consoleon = false;
   interactive = false;
+  // Fields as large as the machine are allowed, but not beyond what the fuzzer may hold.
+  setfieldmemorylimit(int64_t{256} << 20);
   tscript s;
   // Loops without end are part of the language; a run is cut after a fixed number of lines.
   s.linebudget = 20000;
