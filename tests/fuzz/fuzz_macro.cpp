@@ -8,6 +8,7 @@
 
 #include "commands/commandtable.h"
 #include "field/memory.h"
+#include "field/workspaces.h"
 #include "script/run.h"
 #include "script/tscript.h"
 #include "shell/console.h"
@@ -26,6 +27,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   interactive = false;
   // Fields as large as the machine are allowed, but not beyond what the fuzzer may hold.
   setfieldmemorylimit(int64_t{256} << 20);
+  // Each input starts from empty workspaces, so that a finding does not depend on the inputs
+  // before it.
+  resetworkspaces();
   tscript s;
   // Loops without end are part of the language; a run is cut after a fixed number of lines.
   s.linebudget = 20000;
