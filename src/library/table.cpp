@@ -105,7 +105,7 @@ int64_t tablewidth(const ttable& t) { return std::max<int64_t>(0, t.columns - t.
 int64_t tableheight(const ttable& t) { return std::max<int64_t>(0, tablerows(t) - t.headerrows); }
 
 std::string_view tablecell(const ttable& t, int64_t x, int64_t y) {
-  if (x < 1 || y < 1) return {};
+  if (x < 1 || y < 1 || x > tablewidth(t) || y > tableheight(t)) return {};
   return rawcell(t, x + t.headercolumns, y + t.headerrows);
 }
 
