@@ -61,7 +61,15 @@ bool elementtarget(const tscript& s, utf16& name, utf16& value) {
   const int64_t index = textnat(copyrange(name, open + 1, length(name) - 1));
   name = copy(name, 1, open - 1);
   if (index <= 0) return true;
-  std::vector<utf16> parts = empty(getvar(s, name)) ? std::vector<utf16>() : elements(getvar(s, name));
+  const utf16 old = getvar(s, name);
+  // So many elements do not fit a variable: the element is cut off, as too long a value is,
+  // and the old value stays.
+  constexpr int64_t mostelements = int64_t{1} << 24;
+  if (index > mostelements) {
+    value = old;
+    return true;
+  }
+  std::vector<utf16> parts = empty(old) ? std::vector<utf16>() : elements(old);
   if (static_cast<int64_t>(parts.size()) < index) parts.resize(static_cast<size_t>(index));
   parts[static_cast<size_t>(index - 1)] = value;
   value = joinelements(parts);
