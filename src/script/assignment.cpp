@@ -50,15 +50,13 @@ bool wholenumbers(const tscript& s, utf16& out) {
   return true;
 }
 
-utf16 opadd(tscript& s) {
+// += (sign 1) and -= (sign -1).
+template <int sign>
+utf16 opsum(tscript& s) {
   utf16 out;
-  if (!wholenumbers<1>(s, out)) out = componentwise(s, std::plus<double>());
-  return out;
-}
-utf16 opsub(tscript& s) {
-  utf16 out;
-  if (!wholenumbers<-1>(s, out)) out = componentwise(s, std::minus<double>());
-  return out;
+  if (wholenumbers<sign>(s, out)) return out;
+  if constexpr (sign > 0) return componentwise(s, std::plus<double>());
+  return componentwise(s, std::minus<double>());
 }
 utf16 opmul(tscript& s) { return componentwise(s, std::multiplies<double>()); }
 utf16 opdiv(tscript& s) {
@@ -161,7 +159,7 @@ struct toperatorrow {
 };
 
 constexpr toperatorrow operators[] = {
-    {"~=", opreverse}, {"|=", opblank},     {"+=", opadd},         {"-=", opsub},         {"*=", opmul},
+    {"~=", opreverse}, {"|=", opblank},     {"+=", opsum<1>},      {"-=", opsum<-1>},     {"*=", opmul},
     {"/=", opdiv},     {"o=", opdot},       {"x=", opcross},       {"#=", opnumberform},  {"%=", opnormalise},
     {"$=", opchars<true>}, {"d=", opchars<false>}, {"s=", opseparate}, {"!=", opremove},
 };

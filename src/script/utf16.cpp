@@ -106,6 +106,15 @@ utf16 utf16char(uint16_t c) {
 
 utf16 celfromutf16(const utf16& v) { return length(v) <= cellmax ? v : copy(v, 1, cellmax); }
 
+void assigncel(utf16& to, const utf16& v) {
+  if (length(v) > cellmax) {
+    to = copy(v, 1, cellmax);
+    return;
+  }
+  to.lo = v.lo;
+  to.hi = v.hi;
+}
+
 bool equal(const utf16& a, const utf16& b) { return a.lo == b.lo && a.hi == b.hi; }
 
 bool equalutf8(const utf16& a, std::string_view s) {
@@ -335,15 +344,10 @@ utf16 untilfirst(const utf16& v, const utf16& sep) {
 }
 
 void utf16field::set(const utf16& v) {
-  if (length(v) <= cellmax) {
-    // Assigned in place: the engine sets its fields at every statement.
-    first.lo = v.lo;
-    first.hi = v.hi;
+  if (length(v) <= cellmax + 1) {
+    assigncel(first, v);
     second.lo.clear();
     second.hi.clear();
-  } else if (length(v) == cellmax + 1) {
-    first = celfromutf16(v);
-    second = utf16();
   } else {
     first = celfromutf16(copy(v, 1, 255));
     second = celfromutf16(copy(v, 256, 255));

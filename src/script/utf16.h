@@ -24,6 +24,9 @@ std::string utf16toutf8(const utf16& v);  // character 0 is left out
 uint16_t charfromutf8(std::string_view s);
 utf16 utf16char(uint16_t c);
 utf16 celfromutf16(const utf16& v);  // cut to the first 254 characters
+// The same cut, assigned into the storage `to` already has: the engine stores values at
+// every statement.
+void assigncel(utf16& to, const utf16& v);
 inline utf16 cellfromutf8(std::string_view s) { return celfromutf16(utf16fromutf8(s)); }
 
 // --- comparison ----------------------------------------------------------------------

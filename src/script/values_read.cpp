@@ -252,11 +252,9 @@ bool plaininteger(const utf16& text, double& value) {
   if (digits == s.size() || s.size() > 30) return false;
   if (!std::all_of(s.begin() + static_cast<long>(digits), s.end(), isdecimal)) return false;
   if (text.hi.find_first_not_of('\0') != std::string::npos) return false;
-  if (s.size() - digits <= 15) {
-    // Up to 15 digits the number is exact in a double, as the scanner would read it.
-    int64_t n = 0;
-    for (size_t i = digits; i < s.size(); ++i) n = n * 10 + (s[i] - '0');
-    value = digits ? -static_cast<double>(n) : static_cast<double>(n);
+  // Up to 15 digits the number is exact in a double, as the scanner would read it ("-0" too).
+  if (int64_t n = 0; shortinteger(text, n)) {
+    value = digits ? -static_cast<double>(-n) : static_cast<double>(n);
     return true;
   }
   return convert(s, value);
@@ -277,10 +275,6 @@ bool shortinteger(const utf16& text, int64_t& value) {
   value = sign ? -n : n;
   return true;
 }
-
-namespace {
-
-}  // namespace
 
 double textreal(const utf16& text) {
   double value = 0;

@@ -144,12 +144,7 @@ void storevariable(tscript& s, const utf16& key, const utf16& value) {
   const int64_t at = findvariable(s, key);
   if (at >= 0) {
     tvariable& v = s.variables[static_cast<size_t>(at)];
-    if (length(value) <= cellmax) {
-      v.value.lo = value.lo;
-      v.value.hi = value.hi;
-    } else {
-      v.value = celfromutf16(value);
-    }
+    assigncel(v.value, value);
     v.pending.kind = tpendingnumber::none;
     return;
   }
@@ -209,15 +204,8 @@ tvariable& newentry(tscript& s, const utf16& name, bool plain = false) {
 void newlocalpending(tscript& s, const utf16& name, const tpendingnumber& pending) {
   newentry(s, name, true).pending = pending;
 }
-}  // namespace
 
-void newlocal(tscript& s, const utf16& name, const utf16& value) {
-  tvariable& v = newentry(s, name);
-  v.value = length(value) <= cellmax ? value : copy(value, 1, cellmax);
-}
-
-namespace {
-
+// A number waiting to be printed in the number format in force now.
 tpendingnumber pendingnumber() {
   tpendingnumber p;
   p.scientific = numbersettings.scientific;
@@ -226,6 +214,11 @@ tpendingnumber pendingnumber() {
   return p;
 }
 }  // namespace
+
+void newlocal(tscript& s, const utf16& name, const utf16& value) {
+  tvariable& v = newentry(s, name);
+  assigncel(v.value, value);
+}
 
 void newlocalnat(tscript& s, const utf16& name, int64_t value) {
   tpendingnumber p = pendingnumber();
