@@ -142,7 +142,7 @@ bool nestedtoodeep(const tscript& s) {
 
 // The line cut into its first word (lower case) and the rest, with what the loop makes of
 // them. A loop reads the same lines again and again, so this is kept per line as long as the
-// store is unchanged; a line hook may change the store at any time, and so gets none.
+// store is unchanged.
 void prepare(const tscript& s, int64_t line, tpreparedline& p) {
   utf16 rest = preparedline(s, line);
   p.statement = !empty(rest);
